@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace hg {
+
+struct ProcessResult {
+    // Set when the process could not be started (the platform's description,
+    // e.g. "No such file or directory"); the other fields are then empty.
+    std::optional<std::string> launchError;
+    // The exit status; for a process ended by a signal (also one killed at the
+    // time-out), the signal number.
+    int exitStatus = 0;
+    // Raw bytes; not necessarily UTF-8.
+    std::string standardOutput;
+    std::string standardError;
+};
+
+// Runs child processes to completion, inheriting this process's environment
+// and working directory.
+class ProcessRunner {
+public:
+    virtual ~ProcessRunner() = default;
+
+    // Runs `executable` with `arguments` (argv[1]...) and waits for it. Blocks.
+    virtual ProcessResult run(const std::string& executable, const std::vector<std::string>& arguments) = 0;
+};
+
+} // namespace hg
