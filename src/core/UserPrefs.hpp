@@ -1,0 +1,46 @@
+#pragma once
+
+#include "core/Observable.hpp"
+#include "platform/UserDefaults.hpp"
+
+#include <functional>
+#include <string_view>
+
+namespace hg {
+
+// The mute-on-join switches behind the preferences window, mirrored into the
+// user defaults at once so the watcher, which reads the keys directly, sees
+// every change. Main thread only.
+class UserPrefs {
+public:
+    static constexpr std::string_view zoomKey = "muteOnJoin_Zoom";
+    static constexpr std::string_view tupleKey = "muteOnJoin_Tuple";
+
+    // Writes true for each key the store lacks, then reads both. `defaults`
+    // must outlive this object.
+    UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdatesCallback);
+    UserPrefs(const UserPrefs&) = delete;
+    UserPrefs& operator=(const UserPrefs&) = delete;
+
+    [[nodiscard]] ObjectWillChange& objectWillChange() { return objectWillChange_; }
+
+    // Setters announce the change, then write it through.
+    [[nodiscard]] bool muteOnJoinZoom() const { return muteOnJoinZoom_; }
+    void setMuteOnJoinZoom(bool value);
+    [[nodiscard]] bool muteOnJoinTuple() const { return muteOnJoinTuple_; }
+    void setMuteOnJoinTuple(bool value);
+
+    // Asks the updater to check now; may be empty.
+    [[nodiscard]] const std::function<void()>& checkForUpdatesCallback() const {
+        return checkForUpdatesCallback_;
+    }
+
+private:
+    UserDefaults& defaults_;
+    std::function<void()> checkForUpdatesCallback_;
+    ObjectWillChange objectWillChange_;
+    Published<bool> muteOnJoinZoom_;
+    Published<bool> muteOnJoinTuple_;
+};
+
+} // namespace hg
