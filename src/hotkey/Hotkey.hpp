@@ -1,0 +1,46 @@
+#pragma once
+
+#include "hotkey/ModifierKeys.hpp"
+#include "platform/KeyboardLayout.hpp"
+#include "platform/UserDefaults.hpp"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace hg {
+
+// The mute shortcut: a main key with modifiers, or modifiers alone (keyCode
+// noKey). The user-defaults entry is the only place the current shortcut
+// lives; readers load it afresh whenever they need it.
+struct Hotkey {
+    static constexpr std::uint16_t noKey = 0xFFFF;
+    // shift, control, option, command, function: the only bits ever written.
+    static constexpr std::uint64_t significantMask = 0x9E0000;
+    static constexpr std::string_view defaultsKey = "mute_hotkey_v2";
+
+    std::uint16_t keyCode = noKey; // macOS virtual key code
+    std::uint64_t modifiers = 0;   // raw modifier flags; extra bits kept, shown nowhere
+
+    // fn alone.
+    [[nodiscard]] static Hotkey defaultHotkey() { return Hotkey{noKey, modifier::function}; }
+
+    // The stored shortcut, or the default when nothing usable is stored
+    // (absent, not a data value, or undecodable). Never logs, never writes.
+    [[nodiscard]] static Hotkey load(const UserDefaults& defaults);
+    void save(UserDefaults& defaults) const;
+
+    // Compact JSON with keyCode first: {"keyCode":40,"modifiers":1310720}.
+    [[nodiscard]] std::string toJson() const;
+    // Both members required, others ignored; nothing for anything else.
+    [[nodiscard]] static std::optional<Hotkey> fromJson(std::string_view text);
+
+    // Modifier symbols in the order ⌃ ⌥ ⇧ ⌘ fn, then the key name; "None" for
+    // no key and no modifiers. `layout` may be null (key names fall back).
+    [[nodiscard]] std::string displayString(const KeyboardLayout* layout) const;
+
+    friend bool operator==(const Hotkey&, const Hotkey&) = default;
+};
+
+} // namespace hg
