@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/Accessibility.hpp"
+
+#include <exception>
+
+namespace hg {
+
+// An accessibility call failed. Raised only inside the accessibility layer and
+// the Zoom adapter, which catches it; it never crosses MeetingApp. Its text is
+// the same whatever the code, so log lines built from it never show the code.
+class SwiftAXError : public std::exception {
+public:
+    explicit SwiftAXError(AXError code) noexcept : axErr(code) {}
+
+    [[nodiscard]] const char* what() const noexcept override { return "HushGremlin.SwiftAXError"; }
+
+    AXError axErr; // the code of the call that failed
+};
+
+} // namespace hg

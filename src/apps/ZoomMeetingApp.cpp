@@ -1,0 +1,105 @@
+#include "apps/ZoomMeetingApp.hpp"
+
+#include <exception>
+#include <string>
+
+namespace hg {
+
+namespace {
+
+constexpr std::string_view bundleID = "us.zoom.xos";
+constexpr std::string_view meetingMenuTitle = "Meeting";
+constexpr std::string_view muteTitle = "Mute Audio";
+constexpr std::string_view unmuteTitle = "Unmute Audio";
+
+} // namespace
+
+ZoomMeetingApp::ZoomMeetingApp(Accessibility& accessibility, RunningApplications& applications,
+                               LineSink& out)
+    : access_(accessibility, applications, out), out_(out) {}
+
+ZoomMeetingApp::MuteItems ZoomMeetingApp::findMuteItems(const AXElementRef& meetingItem) {
+    MuteItems items;
+    items.mute = access_.findChild(meetingItem, muteTitle, true);
+    items.unmute = access_.findChild(meetingItem, unmuteTitle, true);
+    return items;
+}
+
+MeetingStatus ZoomMeetingApp::fetchStatus() {
+    const auto pid = access_.runningAppPID(bundleID);
+    if (!pid) {
+        return MeetingStatus::notRunning;
+    }
+    if (!access_.accessibility().isProcessTrusted(false)) {
+        return MeetingStatus::setupError;
+    }
+    // std::exception rather than SwiftAXError alone: a backend failing in a
+    // way of its own must not take the watcher down either. SwiftAXError's
+    // text is "HushGremlin.SwiftAXError".
+    try {
+        const AXElementRef menuBar = access_.copyMenuBar(*pid);
+        const AXElementRef meetingItem = access_.findChild(menuBar, meetingMenuTitle, false);
+        if (meetingItem == nullptr) {
+            return MeetingStatus::noMeeting;
+        }
+        const MuteItems items = findMuteItems(meetingItem);
+        if (items.mute != nullptr && items.unmute != nullptr) {
+            out_.line("BOTH BUTTONS!");
+            return MeetingStatus::offMute;
+        }
+        if (items.mute != nullptr) {
+            return MeetingStatus::offMute;
+        }
+        if (items.unmute != nullptr) {
+            return MeetingStatus::onMute;
+        }
+        return MeetingStatus::error;
+    } catch (const std::exception& e) {
+        out_.line(std::string("Unexpected meeting AX error: ") + e.what());
+        return MeetingStatus::error;
+    }
+}
+
+AXElementRef ZoomMeetingApp::findMuteButton() {
+    const auto pid = access_.runningAppPID(bundleID);
+    if (!pid) {
+        return nullptr;
+    }
+    try {
+        const AXElementRef menuBar = access_.copyMenuBar(*pid);
+        const AXElementRef meetingItem = access_.findChild(menuBar, meetingMenuTitle, false);
+        if (meetingItem == nullptr) {
+            return nullptr;
+        }
+        MuteItems items = findMuteItems(meetingItem);
+        if (items.mute != nullptr && items.unmute != nullptr) {
+            out_.line("BOTH BUTTONS!");
+            return nullptr;
+        }
+        return items.mute != nullptr ? std::move(items.mute) : std::move(items.unmute);
+    } catch (const std::exception& e) {
+        out_.line(std::string("Unexpected meeting GETTING AX error: ") + e.what());
+        return nullptr;
+    }
+}
+
+MeetingStatus ZoomMeetingApp::toggleMute(MeetingStatus /*fromStatus*/) {
+    if (muteButton_ == nullptr) {
+        out_.line("GETTING BUTTON");
+        muteButton_ = findMuteButton();
+        if (muteButton_ == nullptr) {
+            out_.line("NO BUTTON");
+            return MeetingStatus::error;
+        }
+    }
+    try {
+        access_.press(muteButton_);
+        return MeetingStatus::offMute;
+    } catch (const std::exception& e) {
+        out_.line(std::string("Unexpected TOGGLE error: ") + e.what());
+        muteButton_.reset();
+        return MeetingStatus::error;
+    }
+}
+
+} // namespace hg

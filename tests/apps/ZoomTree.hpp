@@ -1,0 +1,60 @@
+#pragma once
+
+#include "platform/fake/BufferLineSink.hpp"
+#include "platform/fake/FakeAccessibility.hpp"
+#include "platform/fake/FakeRunningApplications.hpp"
+
+#include <string>
+#include <vector>
+
+namespace hg {
+
+// Zoom's menu bar as the adapter meets it: Apple, zoom.us, (Meeting), Window,
+// each a menu-bar item whose one child is its menu. Trusted and running.
+struct ZoomTree {
+    static constexpr ProcessId pid = 4242;
+
+    FakeAccessibility ax;
+    FakeRunningApplications apps;
+    BufferLineSink out;
+    std::shared_ptr<FakeAXElement> application = FakeAXElement::make("AXApplication", "zoom.us");
+    std::shared_ptr<FakeAXElement> menuBar = FakeAXElement::make("AXMenuBar", std::nullopt);
+    std::shared_ptr<FakeAXElement> meetingItem; // null outside a meeting
+
+    ZoomTree() {
+        application->menuBar = menuBar;
+        addMenu("Apple", {"About This Mac"});
+        addMenu("zoom.us", {"About Zoom", "Quit Zoom"});
+        addMenu("Window", {"Minimize"});
+        ax.setTrusted(true);
+        ax.setApplication(pid, application);
+        apps.add("us.zoom.xos", pid);
+    }
+
+    std::shared_ptr<FakeAXElement> addMenu(const std::string& title,
+                                           const std::vector<std::string>& items,
+                                           std::size_t at = SIZE_MAX) {
+        auto item = FakeAXElement::make("AXMenuBarItem", title);
+        auto menu = item->add("AXMenu", title);
+        for (const auto& t : items) {
+            menu->add("AXMenuItem", t);
+        }
+        auto& children = menuBar->children;
+        children.insert(at >= children.size() ? children.end()
+                                              : children.begin() + static_cast<std::ptrdiff_t>(at),
+                        item);
+        return item;
+    }
+
+    // Enters a meeting whose menu holds `muteItems` and then "Start Video".
+    void meeting(std::vector<std::string> muteItems, const std::string& title = "Meeting") {
+        muteItems.emplace_back("Start Video");
+        meetingItem = addMenu(title, muteItems, 2);
+    }
+
+    [[nodiscard]] std::shared_ptr<FakeAXElement> item(const std::string& title) const {
+        return menuBar->findByTitle(title);
+    }
+};
+
+} // namespace hg
