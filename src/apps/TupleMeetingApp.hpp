@@ -1,0 +1,61 @@
+#pragma once
+
+#include "core/MeetingApp.hpp"
+#include "platform/FileSystem.hpp"
+#include "platform/LineSink.hpp"
+#include "platform/ProcessRunner.hpp"
+#include "platform/RunningApplications.hpp"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace hg {
+
+// Tuple (bundle "app.tuple.app"), read and toggled by running its command-line
+// tool at `cliPath` as a child process: "state --format json" reads the state,
+// "call mute" and "call unmute" toggle. Every call runs the tool afresh and
+// blocks until it has exited; failures are printed and end as error.
+class TupleMeetingApp final : public MeetingApp {
+public:
+    TupleMeetingApp(std::string cliPath, RunningApplications& applications, FileSystem& files,
+                    ProcessRunner& processes, LineSink& out);
+
+    [[nodiscard]] std::string name() const override { return "Tuple"; }
+
+    // notRunning, setupError (tool missing), or what the tool's state says.
+    MeetingStatus fetchStatus() override;
+
+    // "call unmute" from onMute, "call mute" from offMute; offMute when the
+    // tool succeeded, error when not. Any other `fromStatus` is returned as it
+    // is and nothing runs. Runs even when Tuple is not running.
+    MeetingStatus toggleMute(MeetingStatus fromStatus) override;
+
+    // While Tuple runs without its tool.
+    bool needsSetup() override;
+
+    [[nodiscard]] SetupView makeSetupView(std::function<void()> closeAction) const override {
+        return SetupView{SetupView::Kind::tupleCLI, std::move(closeAction)};
+    }
+    [[nodiscard]] std::string setupWindowTitle() const override {
+        return "HushGremlin - Tuple CLI";
+    }
+
+    [[nodiscard]] const std::string& cliPath() const { return cliPath_; }
+
+    // Runs the tool with `arguments`. Its standard output when it exits with
+    // status 0 (an empty text is a result; output that is not UTF-8 is none);
+    // none when it cannot start or fails, with the reason printed.
+    std::optional<std::string> runCLI(const std::vector<std::string>& arguments);
+
+private:
+    bool isTupleRunning() const;
+
+    std::string cliPath_;
+    RunningApplications& applications_;
+    FileSystem& files_;
+    ProcessRunner& processes_;
+    LineSink& out_;
+};
+
+} // namespace hg

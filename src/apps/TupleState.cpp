@@ -1,0 +1,37 @@
+#include "apps/TupleState.hpp"
+
+#include "apps/Utf8.hpp"
+
+#include <nlohmann/json.hpp>
+
+namespace hg {
+
+MeetingStatus decodeTupleState(std::string_view output) {
+    // No JSON text holds a raw NUL (not even inside a string), but the parser
+    // takes one for the end of its input and would accept what comes before.
+    if (!utf8::isValid(output) || output.find('\0') != std::string_view::npos) {
+        return MeetingStatus::error;
+    }
+    const auto state = nlohmann::json::parse(output.begin(), output.end(), nullptr, false);
+    if (state.is_discarded() || !state.is_object()) {
+        return MeetingStatus::error;
+    }
+    const auto inCall = state.find("in_call");
+    if (inCall == state.end() || !inCall->is_boolean()) {
+        return MeetingStatus::error;
+    }
+    if (!inCall->get<bool>()) {
+        return MeetingStatus::noMeeting;
+    }
+    const auto call = state.find("call");
+    if (call == state.end() || !call->is_object()) {
+        return MeetingStatus::error;
+    }
+    const auto muted = call->find("muted");
+    if (muted == call->end() || !muted->is_boolean()) {
+        return MeetingStatus::error;
+    }
+    return muted->get<bool>() ? MeetingStatus::onMute : MeetingStatus::offMute;
+}
+
+} // namespace hg
