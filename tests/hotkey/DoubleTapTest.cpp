@@ -60,17 +60,6 @@ TEST(DoubleTap, StepsMustEachBeQuickerThanTheTapInterval) {
     }
 }
 
-TEST(DoubleTap, IntervalBoundaryIsExactToTheMicrosecond) {
-    FakeClock clock;
-    BufferLineSink out;
-    DoubleTap tap(clock, out);
-    tap.down();
-    clock.advance(milliseconds(200) - std::chrono::microseconds(1));
-    tap.up();
-    EXPECT_EQ(tap.state(), State::firstUp);
-    EXPECT_EQ(tap.since(), clock.now());
-}
-
 TEST(DoubleTap, IrregularSequencesPrintAndFallBack) {
     struct Row {
         const char* sequence; // from nope, no time passing
