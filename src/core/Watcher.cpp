@@ -1,0 +1,150 @@
+#include "core/Watcher.hpp"
+
+#include "apps/ZoomMeetingApp.hpp"
+
+namespace hg {
+
+namespace {
+
+// Zoom's cached mute item belongs to the meeting it was found in; when the
+// situation changes the next toggle must look it up again.
+void forgetMuteButton(const std::shared_ptr<MeetingApp>& app) {
+    if (auto* zoom = dynamic_cast<ZoomMeetingApp*>(app.get())) {
+        zoom->setMuteButton(nullptr);
+    }
+}
+
+bool isZoom(const std::shared_ptr<MeetingApp>& app) {
+    return dynamic_cast<const ZoomMeetingApp*>(app.get()) != nullptr;
+}
+
+} // namespace
+
+Watcher::Watcher(UserData& userData, std::vector<std::shared_ptr<MeetingApp>> meetingApps,
+                 std::function<void(bool)> axChangedCallback,
+                 std::function<void(MeetingApp&)> setupCallback, Accessibility& accessibility,
+                 const UserDefaults& defaults, Timers& timers, LineSink& out)
+    : userData_(userData), meetingApps_(std::move(meetingApps)),
+      axChangedCallback_(std::move(axChangedCallback)), setupCallback_(std::move(setupCallback)),
+      accessibility_(accessibility), defaults_(defaults), timers_(timers), out_(out) {}
+
+void Watcher::start() {
+    out_.line("Starting watcher");
+    timers_.scheduleRepeating(pollInterval, [this, alive = std::weak_ptr<const bool>(lifetime_)] {
+        if (alive.lock()) {
+            poll();
+        }
+    });
+}
+
+bool Watcher::shouldMuteOnJoin(std::string_view appName) const {
+    const std::string key = "muteOnJoin_" + std::string(appName);
+    if (!defaults_.hasObject(key)) {
+        return true;
+    }
+    return defaults_.boolForKey(key);
+}
+
+void Watcher::setAXAccess(bool hasAXAccess) {
+    userData_.setHasAXAccess(hasAXAccess);
+    userData_.recordHistory();
+    if (axChangedCallback_) {
+        axChangedCallback_(hasAXAccess);
+    }
+}
+
+void Watcher::poll() {
+    const MeetingStatus before = userData_.truestStatus();
+    const bool hadAXAccess = userData_.hasAXAccess();
+
+    const bool trusted = accessibility_.isProcessTrusted(false);
+    out_.line(std::string("GOT AX:  ") + (trusted ? "true" : "false"));
+
+    if (hadAXAccess && !trusted) {
+        out_.line("SET FALSE EARLY");
+        setAXAccess(false);
+    }
+
+    // The application already in a meeting keeps priority over those before
+    // it in the list; only when it has left is the list asked, in order.
+    const std::shared_ptr<MeetingApp> previous = userData_.activeApp();
+    MeetingStatus status = MeetingStatus::noMeeting;
+    std::shared_ptr<MeetingApp> active;
+    if (previous != nullptr) {
+        const MeetingStatus answer = previous->fetchStatus();
+        if (isInMeeting(answer)) {
+            status = answer;
+            active = previous;
+        }
+    }
+    if (active == nullptr) {
+        for (const auto& app : meetingApps_) {
+            const MeetingStatus answer = app->fetchStatus();
+            if (answer == MeetingStatus::setupError) {
+                status = answer;
+            } else if (isInMeeting(answer)) {
+                status = answer;
+                active = app;
+                break;
+            }
+        }
+    }
+
+    if (previous != nullptr && (active == nullptr || active->name() != previous->name())) {
+        forgetMuteButton(previous);
+    }
+    userData_.setActiveApp(active);
+    userData_.setStatus(status);
+
+    // Granted, but not while an adapter still reports a setup need: the test
+    // is simply repeated next second.
+    if (trusted && !hadAXAccess && status != MeetingStatus::setupError) {
+        out_.line("SET TRUE " + std::string(toString(status)));
+        setAXAccess(true);
+    }
+
+    const MeetingStatus shown = userData_.truestStatus();
+    if ((shown == MeetingStatus::noMeeting || before == MeetingStatus::notRunning) &&
+        isZoom(userData_.activeApp())) {
+        forgetMuteButton(userData_.activeApp());
+    }
+
+    // Only on the tick on which the shown status goes from no meeting to live.
+    if (isWithoutMeeting(before) && shown == MeetingStatus::offMute &&
+        userData_.activeApp() != nullptr) {
+        const std::string name = userData_.activeApp()->name();
+        if (shouldMuteOnJoin(name)) {
+            out_.line("TOGGLING (auto-mute on join for " + name + ")");
+            userData_.toggleMute();
+        }
+    }
+
+    // An error shown while Zoom is active and the permission is believed held
+    // means the permission went away without the system saying so yet.
+    if (shown == MeetingStatus::error && userData_.hasAXAccess() && isZoom(userData_.activeApp())) {
+        out_.line("SET FALSE LATE");
+        setAXAccess(false);
+    }
+
+    reportSetupNeeds();
+}
+
+void Watcher::reportSetupNeeds() {
+    std::set<std::string> needing;
+    for (const auto& app : meetingApps_) {
+        if (!app->needsSetup()) {
+            continue;
+        }
+        const std::string name = app->name();
+        needing.insert(name);
+        if (reportedSetupApps_.insert(name).second && setupCallback_) {
+            setupCallback_(*app);
+        }
+    }
+    // Forget those that no longer need it, so they are reported again if
+    // they need it anew.
+    std::erase_if(reportedSetupApps_,
+                  [&needing](const std::string& name) { return !needing.contains(name); });
+}
+
+} // namespace hg

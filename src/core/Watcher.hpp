@@ -1,0 +1,73 @@
+#pragma once
+
+#include "core/MeetingApp.hpp"
+#include "core/UserData.hpp"
+#include "platform/Accessibility.hpp"
+#include "platform/LineSink.hpp"
+#include "platform/Timers.hpp"
+#include "platform/UserDefaults.hpp"
+
+#include <functional>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace hg {
+
+// Once a second: tests the Accessibility permission, asks the meeting
+// applications for their state, picks the active one and one status for all
+// of them, and hands it to the status store. Around that it reports
+// permission changes, mutes on joining a meeting when the user wants it,
+// forgets Zoom's cached mute item when the meeting situation changes, and
+// reports each application that newly needs setup once. Main thread only.
+class Watcher {
+public:
+    static constexpr Duration pollInterval = std::chrono::seconds(1);
+
+    // `axChangedCallback` gets the new value each time the watcher changes
+    // hasAXAccess; `setupCallback` gets an application that starts needing
+    // setup. Everything referred to must outlive the watcher; the timer it
+    // starts may outlive it and then does nothing.
+    Watcher(UserData& userData, std::vector<std::shared_ptr<MeetingApp>> meetingApps,
+            std::function<void(bool)> axChangedCallback,
+            std::function<void(MeetingApp&)> setupCallback, Accessibility& accessibility,
+            const UserDefaults& defaults, Timers& timers, LineSink& out);
+    Watcher(const Watcher&) = delete;
+    Watcher& operator=(const Watcher&) = delete;
+
+    // Polls every second from now on; the first poll is one second away.
+    void start();
+
+    // One tick. Only the timer calls it in the running program.
+    void poll();
+
+    // "muteOnJoin_<name>" in the user defaults; an absent key means yes.
+    [[nodiscard]] bool shouldMuteOnJoin(std::string_view appName) const;
+
+    // Names reported through setupCallback that still need setup.
+    [[nodiscard]] const std::set<std::string>& reportedSetupApps() const {
+        return reportedSetupApps_;
+    }
+
+private:
+    void setAXAccess(bool hasAXAccess);
+    void reportSetupNeeds();
+
+    UserData& userData_;
+    std::vector<std::shared_ptr<MeetingApp>> meetingApps_;
+    std::function<void(bool)> axChangedCallback_;
+    std::function<void(MeetingApp&)> setupCallback_;
+    std::set<std::string> reportedSetupApps_;
+
+    Accessibility& accessibility_;
+    const UserDefaults& defaults_;
+    Timers& timers_;
+    LineSink& out_;
+    // The timer holds only a weak reference to this, so that a tick after the
+    // watcher is gone does nothing.
+    std::shared_ptr<const bool> lifetime_ = std::make_shared<const bool>(true);
+};
+
+} // namespace hg
