@@ -1,0 +1,157 @@
+#include "platform/qt/QtWindows.hpp"
+
+#include "platform/qt/QtApplication.hpp"
+#include "views/ContentViewFactory.hpp"
+
+#include <QGuiApplication>
+#include <QHideEvent>
+#include <QScreen>
+#include <QSettings>
+#include <QVBoxLayout>
+
+namespace hg {
+
+class QtWindows::HostWindow final : public QWidget {
+public:
+    HostWindow(const WindowSpec& spec, QSettings& frames)
+        : frames_(frames), key_(frameKey(spec.frameAutosaveName)), panel_(spec.panel) {}
+
+    [[nodiscard]] bool isPanel() const { return panel_; }
+
+    void saveFrame() {
+        if (!key_.isEmpty()) {
+            frames_.setValue(key_, saveGeometry());
+        }
+    }
+    bool restoreFrame() {
+        if (key_.isEmpty()) {
+            return false;
+        }
+        const QByteArray saved = frames_.value(key_).toByteArray();
+        return !saved.isEmpty() && restoreGeometry(saved);
+    }
+
+protected:
+    void hideEvent(QHideEvent* event) override {
+        saveFrame();
+        QWidget::hideEvent(event);
+    }
+
+private:
+    QSettings& frames_;
+    QString key_;
+    bool panel_ = false;
+};
+
+namespace {
+
+Qt::WindowFlags flagsFor(const WindowSpec& spec) {
+    Qt::WindowFlags flags = spec.panel ? (Qt::Tool | Qt::WindowStaysOnTopHint) : Qt::Window;
+    flags |= Qt::CustomizeWindowHint;
+    if ((spec.styleMask & windowstyle::titled) != 0) {
+        flags |= Qt::WindowTitleHint;
+    } else {
+        flags |= Qt::FramelessWindowHint;
+    }
+    if ((spec.styleMask & windowstyle::closable) != 0) {
+        flags |= Qt::WindowCloseButtonHint;
+    }
+    if ((spec.styleMask & windowstyle::miniaturizable) != 0) {
+        flags |= Qt::WindowMinimizeButtonHint;
+    }
+    if ((spec.styleMask & windowstyle::resizable) != 0) {
+        flags |= Qt::WindowMaximizeButtonHint;
+    }
+    return flags;
+}
+
+void centre(QWidget& window) {
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    if (screen == nullptr) {
+        return;
+    }
+    QRect frame(QPoint(0, 0), window.size());
+    frame.moveCenter(screen->availableGeometry().center());
+    window.move(frame.topLeft());
+}
+
+} // namespace
+
+QString QtWindows::frameKey(const std::string& autosaveName) {
+    if (autosaveName.empty()) {
+        return {};
+    }
+    return QStringLiteral("WindowFrames/") + QString::fromStdString(autosaveName);
+}
+
+QtWindows::QtWindows(QSettings& frames, QtApplication& application)
+    : frames_(frames), application_(application) {}
+
+QtWindows::~QtWindows() {
+    saveFrames();
+}
+
+WindowId QtWindows::create(WindowSpec spec) {
+    auto window = std::make_unique<HostWindow>(spec, frames_);
+    window->setWindowFlags(flagsFor(spec));
+    window->setWindowTitle(spec.title ? QString::fromStdString(*spec.title) : QString());
+    if (spec.panel) {
+        window->setAttribute(Qt::WA_ShowWithoutActivating);
+        window->setAttribute(Qt::WA_MacAlwaysShowToolWindow);
+    }
+    auto* layout = new QVBoxLayout(window.get());
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(views::makeContentView(spec.content, window.get()));
+    layout->activate();
+
+    // The content decides the least size it can be shown at; a smaller size
+    // in the spec would clip it.
+    const QSize size =
+        QSize(spec.contentWidth, spec.contentHeight).expandedTo(window->minimumSizeHint());
+    if ((spec.styleMask & windowstyle::resizable) != 0) {
+        window->resize(size);
+    } else {
+        window->setFixedSize(size);
+    }
+    centre(*window);
+    window->restoreFrame();
+
+    const auto id = ++nextId_;
+    windows_.emplace(id, std::move(window));
+    return id;
+}
+
+void QtWindows::makeKeyAndOrderFront(WindowId id) {
+    const auto it = windows_.find(id);
+    if (it == windows_.end()) {
+        return;
+    }
+    HostWindow& window = *it->second;
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    if (application_.takeActivation() && !window.isPanel()) {
+        window.activateWindow();
+    }
+}
+
+void QtWindows::close(WindowId id) {
+    if (const auto it = windows_.find(id); it != windows_.end()) {
+        it->second->close();
+    }
+}
+
+QWidget* QtWindows::window(WindowId id) const {
+    const auto it = windows_.find(id);
+    return it == windows_.end() ? nullptr : it->second.get();
+}
+
+void QtWindows::saveFrames() {
+    for (auto& [id, window] : windows_) {
+        if (window->isVisible()) {
+            window->saveFrame();
+        }
+    }
+}
+
+} // namespace hg

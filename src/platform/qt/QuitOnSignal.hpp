@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QObject>
+
+class QSocketNotifier;
+
+namespace hg {
+
+// Ends the event loop on SIGTERM, SIGINT and SIGHUP the way the Quit row does,
+// so that quitting from a terminal or a session manager also passes through
+// the application's will-terminate handling. The signal handler only writes a
+// byte to a pipe; the event loop reads it on the main thread. One instance per
+// process.
+class QuitOnSignal final : public QObject {
+public:
+    QuitOnSignal();
+    ~QuitOnSignal() override;
+    QuitOnSignal(const QuitOnSignal&) = delete;
+    QuitOnSignal& operator=(const QuitOnSignal&) = delete;
+
+    // False when the pipe could not be made; the signals then keep their
+    // default action.
+    [[nodiscard]] bool isActive() const { return notifier_ != nullptr; }
+
+private:
+    QSocketNotifier* notifier_ = nullptr;
+};
+
+} // namespace hg

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+
+class QPushButton;
+
+namespace hg::views {
+
+// Asks for the accessibility permission: a text, a picture of the settings
+// and a button that runs `promptAction`. The button is the default one:
+// Return (or Enter) anywhere in the window presses it. `desktopNote` adds a
+// sentence for Linux desktops, where granting turns the desktop's
+// accessibility on.
+class EnableAXView final : public QWidget {
+public:
+    EnableAXView(std::function<void()> promptAction, bool desktopNote, QWidget* parent = nullptr);
+
+    [[nodiscard]] QPushButton& grantButton() { return *grant_; }
+
+private:
+    std::function<void()> promptAction_;
+    QPushButton* grant_ = nullptr;
+};
+
+} // namespace hg::views

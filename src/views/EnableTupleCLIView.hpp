@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QWidget>
+
+namespace hg::views {
+
+// How to install Tuple's command-line tool: static texts and a box of steps.
+class EnableTupleCLIView final : public QWidget {
+public:
+    explicit EnableTupleCLIView(QWidget* parent = nullptr);
+};
+
+} // namespace hg::views
