@@ -1,0 +1,44 @@
+#pragma once
+
+#include "platform/RunningApplications.hpp"
+#include "platform/linux/AppIdentities.hpp"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace hg {
+
+// The running applications of this user, read from /proc: every live process
+// owned by the user whose name or Flatpak id is one of an AppIdentity's, with
+// that identity's bundle identifier. Other processes are not listed.
+//
+// Order: by process id, except that when one bundle identifier has several
+// processes (Zoom's launcher and Zoom itself), those that have registered
+// with the accessibility bus come first, so that the first process found for
+// a bundle is the one whose menus can be read.
+class ProcRunningApplications final : public RunningApplications {
+public:
+    struct Options {
+        std::vector<AppIdentity> identities = defaultAppIdentities();
+        std::string procRoot = "/proc";
+        // Whose processes are listed; defaults to this process's user.
+        std::optional<unsigned> uid{};
+        // The processes registered with the accessibility bus, asked only
+        // when a bundle has more than one process. None: keep process order.
+        std::function<std::vector<ProcessId>()> registeredProcesses{};
+    };
+
+    ProcRunningApplications();
+    explicit ProcRunningApplications(Options options);
+
+    [[nodiscard]] std::vector<RunningApplication> runningApplications() const override;
+
+private:
+    [[nodiscard]] const AppIdentity* identify(const std::string& processDir) const;
+
+    Options options_;
+    unsigned uid_;
+};
+
+} // namespace hg
