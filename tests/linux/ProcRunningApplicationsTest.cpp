@@ -1,0 +1,145 @@
+// Running applications from a /proc tree made by the test.
+
+#include "platform/linux/ProcRunningApplications.hpp"
+
+#include "platform/linux/AppIdentities.hpp"
+
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+namespace hg {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+MATCHER_P2(App, bundle, pid, "") {
+    return arg.bundleIdentifier == std::optional<std::string>(bundle) && arg.pid == pid;
+}
+
+class ProcTree : public ::testing::Test {
+protected:
+    void SetUp() override {
+        char name[] = "/tmp/hg-proc-XXXXXX";
+        ASSERT_NE(::mkdtemp(name), nullptr);
+        root_ = name;
+    }
+    void TearDown() override { std::filesystem::remove_all(root_); }
+
+    std::string add(int pid, const std::string& comm, char state = 'S',
+                    const std::string& cgroup = "0::/user.slice\n") {
+        const auto dir = root_ / std::to_string(pid);
+        std::filesystem::create_directories(dir);
+        std::ofstream(dir / "comm") << comm << "\n";
+        std::ofstream(dir / "stat") << pid << " (" << comm << ") " << state << " 1 1 1 0 -1\n";
+        std::ofstream(dir / "cgroup") << cgroup;
+        return dir.string();
+    }
+
+    std::vector<RunningApplication> list(ProcRunningApplications::Options options = {}) {
+        options.procRoot = root_.string();
+        if (options.identities.empty()) {
+            options.identities = knownAppIdentities();
+        }
+        return ProcRunningApplications(std::move(options)).runningApplications();
+    }
+
+    std::filesystem::path root_;
+};
+
+TEST_F(ProcTree, ListsTheKnownApplicationsOfThisUserByProcessId) {
+    add(300, "zoom");
+    add(120, "ZoomLauncher");
+    add(200, "tuple");
+    add(250, "bash");
+    add(260, "Zoom"); // letter case counts
+    std::filesystem::create_directories(root_ / "self");
+    std::filesystem::create_directories(root_ / "12ab");
+
+    EXPECT_THAT(list(), ElementsAre(App("us.zoom.xos", 120), App("app.tuple.app", 200),
+                                    App("us.zoom.xos", 300)));
+}
+
+TEST_F(ProcTree, SkipsProcessesThatAreGoneOrNotOurs) {
+    add(100, "zoom", 'Z');
+    add(101, "zoom", 'X');
+    const auto other = add(102, "zoom");
+    add(103, "zoom", 'T');                              // stopped is still running
+    std::filesystem::create_directories(root_ / "104"); // vanished while listing: no comm
+    if (::geteuid() == 0) {
+        ASSERT_EQ(::chown(other.c_str(), 4321, 4321), 0);
+        EXPECT_THAT(list(), ElementsAre(App("us.zoom.xos", 103)));
+    }
+    EXPECT_THAT(list({.uid = ::geteuid() + 1}), IsEmpty());
+}
+
+TEST_F(ProcTree, MatchesOddNamesLongNamesAndFlatpakScopes) {
+    add(10, "we(ird) ) app");
+    add(11, "hg-fixture-appl"); // the kernel keeps 15 bytes of the name
+    add(12, "bwrap", 'S', "0::/user.slice/app-flatpak-us.zoom.Zoom-4242.scope\n");
+    add(13, "bwrap", 'S', "0::/user.slice/app-flatpak-us.zoom.Zoomer-4243.scope\n");
+
+    auto identities = knownAppIdentities();
+    identities.push_back({"odd.app", {"we(ird) ) app"}, {}});
+    identities.push_back({"us.zoom.xos", {"hg-fixture-application"}, {}});
+    EXPECT_THAT(list({.identities = identities}),
+                ElementsAre(App("odd.app", 10), App("us.zoom.xos", 11), App("us.zoom.xos", 12)));
+}
+
+TEST_F(ProcTree, PutsProcessesWithAnAccessibleApplicationFirstOnlyWhenABundleHasSeveral) {
+    add(50, "ZoomLauncher");
+    add(60, "tuple");
+    add(70, "zoom");
+    int asked = 0;
+    const auto registered = [&asked] {
+        ++asked;
+        return std::vector<ProcessId>{70, 999};
+    };
+    EXPECT_THAT(
+        list({.registeredProcesses = registered}),
+        ElementsAre(App("us.zoom.xos", 70), App("us.zoom.xos", 50), App("app.tuple.app", 60)));
+    EXPECT_EQ(asked, 1);
+
+    std::filesystem::remove_all(root_ / "50");
+    EXPECT_THAT(list({.registeredProcesses = registered}),
+                ElementsAre(App("app.tuple.app", 60), App("us.zoom.xos", 70)));
+    EXPECT_EQ(asked, 1) << "the bus was asked although no bundle had two processes";
+}
+
+TEST_F(ProcTree, AMissingProcTreeListsNothing) {
+    EXPECT_THAT(list({.procRoot = "/nonexistent"}), IsEmpty());
+    ProcRunningApplications::Options options;
+    options.procRoot = "/nonexistent/proc";
+    EXPECT_THAT(ProcRunningApplications(options).runningApplications(), IsEmpty());
+}
+
+TEST(AppIdentities, ParsesTheEnvironmentsExtraIdentitiesAndSkipsMalformedOnes) {
+    const auto parsed =
+        parseAppIdentities(" us.zoom.xos = hg-fixture-app ,bad,=x,a=,app.tuple.app=tpl");
+    ASSERT_EQ(parsed.size(), 2U);
+    EXPECT_EQ(parsed[0].bundleIdentifier, "us.zoom.xos");
+    EXPECT_THAT(parsed[0].processNames, ElementsAre("hg-fixture-app"));
+    EXPECT_EQ(parsed[1].bundleIdentifier, "app.tuple.app");
+    EXPECT_THAT(parsed[1].processNames, ElementsAre("tpl"));
+    EXPECT_THAT(parseAppIdentities(""), IsEmpty());
+}
+
+TEST(AppIdentities, TheLiveProcTreeHoldsTheFixtureNameWhenMapped) {
+    // This test process is not a meeting application: it is not listed,
+    // unless the environment maps its name, as the end-to-end run does for
+    // the fixture application.
+    std::ifstream comm("/proc/self/comm");
+    std::string name;
+    std::getline(comm, name);
+    ProcRunningApplications apps(
+        ProcRunningApplications::Options{.identities = parseAppIdentities("us.zoom.xos=" + name)});
+    const auto listed = apps.runningApplications();
+    EXPECT_THAT(listed,
+                ::testing::Contains(App("us.zoom.xos", static_cast<ProcessId>(::getpid()))));
+}
+
+} // namespace
+} // namespace hg
