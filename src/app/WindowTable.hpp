@@ -19,13 +19,15 @@ struct WindowRow {
     std::string_view autosaveName;
     bool panel = false;
 
-    // A spec for this row; `title` replaces the row's own when given.
+    // A spec for this row; `windowTitle` replaces the row's own when given.
     [[nodiscard]] WindowSpec spec(WindowContent content,
-                                  std::optional<std::string> title = std::nullopt) const {
+                                  std::optional<std::string> windowTitle = std::nullopt) const {
         WindowSpec s;
-        s.title =
-            title ? std::move(title)
-                  : (this->title.empty() ? std::nullopt : std::optional<std::string>(this->title));
+        if (windowTitle) {
+            s.title = std::move(windowTitle);
+        } else if (!title.empty()) {
+            s.title = std::string(title);
+        }
         s.contentWidth = width;
         s.contentHeight = height;
         s.styleMask = styleMask;

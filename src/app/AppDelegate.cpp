@@ -1,0 +1,226 @@
+#include "app/AppDelegate.hpp"
+
+#include "app/LaunchAtLogin.hpp"
+#include "app/WindowTable.hpp"
+#include "apps/TupleMeetingApp.hpp"
+#include "apps/ZoomMeetingApp.hpp"
+#include "core/UserData.hpp"
+#include "core/UserPrefs.hpp"
+#include "core/Watcher.hpp"
+#include "hotkey/DoubleTap.hpp"
+#include "hotkey/GlobalHotkeyMonitor.hpp"
+#include "hotkey/HotkeyRecorder.hpp"
+#include "menu/GremlinMenu.hpp"
+
+namespace hg {
+
+AppDelegate::AppDelegate(Platform& platform)
+    : platform_(platform), self_(std::make_shared<AppDelegate*>(this)) {}
+
+AppDelegate::~AppDelegate() = default;
+
+std::string AppDelegate::applicationVersion() {
+#ifdef HG_VERSION
+    const std::string_view version = HG_VERSION;
+    if (!version.empty()) {
+        return std::string(version);
+    }
+#endif
+    return "?";
+}
+
+void AppDelegate::startUp() {
+    const std::weak_ptr<AppDelegate*> weakSelf = self_;
+    platform_.updater.start([weakSelf] {
+        if (const auto self = weakSelf.lock()) {
+            (*self)->updaterDidFindValidUpdate();
+        }
+    });
+
+    gremlinBarItem_ = std::make_unique<GremlinMenu>(
+        platform_.statusItem, GremlinMenuCallbacks{
+                                  .toggle = [this] { userData_->toggleMute(); },
+                                  .prefs = [this] { showPrefsWindow(); },
+                                  .axErr = [this] { handleAXError(); },
+                                  .update = [this] { platform_.updater.checkForUpdates(); },
+                                  .quit = [this] { platform_.application.terminate(); },
+                                  .debugView = [this] { showDebugWindow(); },
+                              });
+
+    userData_ = std::make_unique<UserData>(*gremlinBarItem_, platform_.clock, platform_.out);
+
+    const bool trusted = platform_.accessibility.isProcessTrusted(false);
+    userData_->setHasAXAccess(trusted);
+    userData_->recordHistory();
+    if (!trusted) {
+        showAXSetupWindow();
+    }
+
+    // Without trust the tap cannot be made yet; axChanged() installs it later.
+    setupBinding();
+
+    meetingApps_ = {
+        std::make_shared<ZoomMeetingApp>(platform_.accessibility, platform_.runningApplications,
+                                         platform_.out),
+        std::make_shared<TupleMeetingApp>(std::string(tupleCLIPath), platform_.runningApplications,
+                                          platform_.fileSystem, platform_.processRunner,
+                                          platform_.out),
+    };
+
+    watcher_ = std::make_unique<Watcher>(
+        *userData_, meetingApps_, [this](bool hasAX) { axChanged(hasAX); },
+        [this](MeetingApp& app) { showSetupWindow(app); }, platform_.accessibility,
+        platform_.defaults, platform_.timers, platform_.out);
+    watcher_->start();
+}
+
+void AppDelegate::applicationWillTerminate() {
+    platform_.out.line("Goodbye cruel world!");
+}
+
+void AppDelegate::setupBinding() {
+    platform_.out.line("setup binding...");
+
+    // One detector shared by press and release, so the release can tell a
+    // completed double tap from a hold.
+    auto doubleTap = std::make_shared<DoubleTap>(platform_.clock, platform_.out);
+    auto monitor = std::make_unique<GlobalHotkeyMonitor>(platform_.eventTap, platform_.defaults,
+                                                         platform_.out);
+    monitor->onDown = [this, doubleTap] {
+        doubleTap->down();
+        userData_->hotkeyDown();
+    };
+    monitor->onUp = [this, doubleTap] {
+        doubleTap->up();
+        if (doubleTap->state() == DoubleTap::State::doubleTapped) {
+            // The second release leaves the toggle of the second press standing.
+            doubleTap->reset();
+            return;
+        }
+        userData_->hotkeyUp();
+    };
+    monitor->start();
+    doubleTap_ = std::move(doubleTap);
+    hotkeyMonitor_ = std::move(monitor);
+
+    platform_.out.line(std::string("Do we have a monitor: ") + " " +
+                       (hotkeyMonitor_ ? "YES" : "NO"));
+}
+
+void AppDelegate::axChanged(bool hasAX) {
+    platform_.out.line(std::string("AX ACQUIRED ") + (hasAX ? "true" : "false"));
+    if (hasAX) {
+        if (!hotkeyMonitor_) {
+            platform_.out.line("configure event tap first time");
+            setupBinding();
+        } else {
+            platform_.out.line("reset event tap");
+            hotkeyMonitor_->start();
+        }
+    } else if (hotkeyMonitor_) {
+        platform_.out.line("Del evvent tap");
+        hotkeyMonitor_->stop();
+    }
+}
+
+void AppDelegate::handleAXError() {
+    if (!platform_.accessibility.isProcessTrusted(false)) {
+        showAXSetupWindow();
+        return;
+    }
+    for (const auto& app : meetingApps_) {
+        if (app->needsSetup()) {
+            showSetupWindow(*app);
+            return;
+        }
+    }
+}
+
+void AppDelegate::updaterDidFindValidUpdate() {
+    if (gremlinBarItem_) {
+        gremlinBarItem_->setHasUpdate(true);
+    }
+}
+
+void AppDelegate::bringForward(WindowId id, bool activate) {
+    if (activate) {
+        platform_.application.activate();
+    }
+    platform_.windows.makeKeyAndOrderFront(id);
+}
+
+void AppDelegate::showAXSetupWindow() {
+    if (!axSetupWindow_) {
+        const std::weak_ptr<AppDelegate*> weakSelf = self_;
+        Accessibility& accessibility = platform_.accessibility;
+        AccessibilitySetupContent content{[weakSelf, &accessibility] {
+            (void)accessibility.isProcessTrusted(true);
+            if (const auto self = weakSelf.lock(); self && (*self)->axSetupWindow_) {
+                (*self)->platform_.windows.close(*(*self)->axSetupWindow_);
+            }
+        }};
+        axSetupWindow_ =
+            platform_.windows.create(windowtable::accessibilitySetup.spec(std::move(content)));
+    }
+    bringForward(*axSetupWindow_);
+}
+
+void AppDelegate::showSetupWindow(MeetingApp& app) {
+    const std::string name = app.name();
+    auto it = setupWindows_.find(name);
+    if (it == setupWindows_.end()) {
+        // The window's id is known only once it is built; the close action
+        // reads it then, and does nothing for a window that was never made.
+        auto id = std::make_shared<WindowId>(0);
+        Windows& windows = platform_.windows;
+        AppSetupContent content{app.makeSetupView([id, &windows] {
+            if (*id != 0) {
+                windows.close(*id);
+            }
+        })};
+        auto spec = windowtable::appSetup.spec(std::move(content), app.setupWindowTitle());
+        spec.frameAutosaveName = name + std::string(windowtable::appSetupAutosaveSuffix);
+        *id = platform_.windows.create(std::move(spec));
+        it = setupWindows_.emplace(name, *id).first;
+    }
+    bringForward(it->second);
+}
+
+void AppDelegate::showPrefsWindow() {
+    if (!prefsWindow_) {
+        Updater& updater = platform_.updater;
+        userPrefs_ = std::make_unique<UserPrefs>(platform_.defaults,
+                                                 [&updater] { updater.checkForUpdates(); });
+        hotkeyRecorder_ = std::make_unique<HotkeyRecorder>(
+            platform_.defaults, platform_.keyboardLayout, platform_.localKeyMonitor);
+        launchAtLogin_ =
+            std::make_unique<LaunchAtLogin>(platform_.loginItems, platform_.unifiedLog);
+        const std::weak_ptr<AppDelegate*> weakSelf = self_;
+        PreferencesContent content{userPrefs_.get(), hotkeyRecorder_.get(), launchAtLogin_.get(),
+                                   [weakSelf] {
+                                       if (const auto self = weakSelf.lock()) {
+                                           (*self)->showAboutWindow();
+                                       }
+                                   }};
+        prefsWindow_ = platform_.windows.create(windowtable::preferences.spec(std::move(content)));
+    }
+    bringForward(*prefsWindow_);
+}
+
+void AppDelegate::showAboutWindow() {
+    if (!aboutWindow_) {
+        aboutWindow_ =
+            platform_.windows.create(windowtable::about.spec(AboutContent{applicationVersion()}));
+    }
+    bringForward(*aboutWindow_);
+}
+
+void AppDelegate::showDebugWindow() {
+    if (!debugWindow_) {
+        debugWindow_ =
+            platform_.windows.create(windowtable::debug.spec(DebugContent{userData_.get()}));
+    }
+    bringForward(*debugWindow_, false);
+}
+
+} // namespace hg
