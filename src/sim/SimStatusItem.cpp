@@ -9,6 +9,9 @@ void SimStatusItem::setImage(const std::string& name) {
     if (changed) {
         out_.observe("icon " + name);
     }
+    if (onImage) {
+        onImage(name);
+    }
 }
 
 void SimStatusItem::setMenu(const MenuModel& menu) {
@@ -17,6 +20,9 @@ void SimStatusItem::setMenu(const MenuModel& menu) {
     hasMenu_ = true;
     if (changed) {
         out_.observe("menu " + describe(menu));
+    }
+    if (onMenu) {
+        onMenu(menu);
     }
 }
 

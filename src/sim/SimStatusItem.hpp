@@ -3,6 +3,7 @@
 #include "platform/fake/FakeStatusItem.hpp"
 #include "sim/SimOutput.hpp"
 
+#include <functional>
 #include <string>
 
 namespace hg::sim {
@@ -18,6 +19,10 @@ public:
     void setHandler(StatusItemHandler* handler) override { item_.setHandler(handler); }
 
     [[nodiscard]] FakeStatusItem& item() { return item_; }
+
+    // Observers of every call, also those that change nothing on screen.
+    std::function<void(const MenuModel&)> onMenu;
+    std::function<void(const std::string&)> onImage;
 
     // "(No meeting detected) | - | Preferences... | - | Quit"
     [[nodiscard]] static std::string describe(const MenuModel& menu);
