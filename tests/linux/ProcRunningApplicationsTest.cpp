@@ -89,6 +89,22 @@ TEST_F(ProcTree, MatchesOddNamesLongNamesAndFlatpakScopes) {
                 ElementsAre(App("odd.app", 10), App("us.zoom.xos", 11), App("us.zoom.xos", 12)));
 }
 
+TEST_F(ProcTree, ARecycledProcessIdIsLookedAtAfresh) {
+    ProcRunningApplications::Options options;
+    options.procRoot = root_.string();
+    options.identities = knownAppIdentities();
+    ProcRunningApplications apps(options);
+    add(20, "bwrap", 'S', "0::/app-flatpak-us.zoom.Zoom-1.scope\n");
+    EXPECT_THAT(apps.runningApplications(), ElementsAre(App("us.zoom.xos", 20)));
+
+    std::filesystem::remove_all(root_ / "20");
+    EXPECT_THAT(apps.runningApplications(), IsEmpty());
+    add(20, "bwrap", 'S', "0::/user.slice/app-gnome-other-2.scope\n");
+    EXPECT_THAT(apps.runningApplications(), IsEmpty());
+    add(20, "cat", 'S', "0::/app-flatpak-app.tuple.Tuple-3.scope\n");
+    EXPECT_THAT(apps.runningApplications(), ElementsAre(App("app.tuple.app", 20)));
+}
+
 TEST_F(ProcTree, PutsProcessesWithAnAccessibleApplicationFirstOnlyWhenABundleHasSeveral) {
     add(50, "ZoomLauncher");
     add(60, "tuple");

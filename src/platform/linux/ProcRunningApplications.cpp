@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <charconv>
 #include <dirent.h>
-#include <fstream>
+#include <fcntl.h>
 #include <map>
 #include <set>
-#include <sstream>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -24,14 +23,24 @@ std::optional<ProcessId> processIdOf(const char* name) {
     return pid;
 }
 
+// A small file of /proc, read with plain system calls: this runs for every
+// process of the machine on every watcher tick. None when it cannot be read.
 std::optional<std::string> readFile(const std::string& path) {
-    std::ifstream in(path);
-    if (!in) {
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
         return std::nullopt;
     }
-    std::ostringstream text;
-    text << in.rdbuf();
-    return text.str();
+    std::string text;
+    char buffer[1024];
+    ssize_t n = 0;
+    while ((n = ::read(fd, buffer, sizeof buffer)) > 0) {
+        text.append(buffer, static_cast<std::size_t>(n));
+    }
+    ::close(fd);
+    if (n < 0) {
+        return std::nullopt;
+    }
+    return text;
 }
 
 // The process name without its line feed; none when it cannot be read (the
@@ -73,7 +82,8 @@ ProcRunningApplications::ProcRunningApplications() : ProcRunningApplications(Opt
 ProcRunningApplications::ProcRunningApplications(Options options)
     : options_(std::move(options)), uid_(options_.uid.value_or(::geteuid())) {}
 
-const AppIdentity* ProcRunningApplications::identify(const std::string& processDir) const {
+const AppIdentity* ProcRunningApplications::identify(ProcessId pid,
+                                                     const std::string& processDir) const {
     const auto name = processName(processDir);
     if (!name) {
         return nullptr;
@@ -85,6 +95,13 @@ const AppIdentity* ProcRunningApplications::identify(const std::string& processD
             }
         }
     }
+    // A process stays in the cgroup it was started in, so its Flatpak scope
+    // is looked up once, and again only if the pid shows another name.
+    auto& known = flatpakVerdicts_[pid];
+    if (known.processName == *name && known.checked) {
+        return known.identity;
+    }
+    known = FlatpakVerdict{*name, true, nullptr};
     std::optional<std::string> cgroups;
     for (const auto& identity : options_.identities) {
         for (const auto& flatpakId : identity.flatpakIds) {
@@ -92,6 +109,7 @@ const AppIdentity* ProcRunningApplications::identify(const std::string& processD
                 cgroups = readFile(processDir + "/cgroup").value_or(std::string());
             }
             if (inFlatpakScope(*cgroups, flatpakId)) {
+                known.identity = &identity;
                 return &identity;
             }
         }
@@ -101,6 +119,7 @@ const AppIdentity* ProcRunningApplications::identify(const std::string& processD
 
 std::vector<RunningApplication> ProcRunningApplications::runningApplications() const {
     std::vector<RunningApplication> found;
+    std::set<ProcessId> seen;
     DIR* dir = ::opendir(options_.procRoot.c_str());
     if (dir == nullptr) {
         return found;
@@ -116,13 +135,16 @@ std::vector<RunningApplication> ProcRunningApplications::runningApplications() c
         if (::stat(processDir.c_str(), &info) != 0 || info.st_uid != uid_) {
             continue;
         }
-        const AppIdentity* identity = identify(processDir);
+        seen.insert(*pid);
+        const AppIdentity* identity = identify(*pid, processDir);
         if (identity == nullptr || isDead(processDir)) {
             continue;
         }
         found.push_back(RunningApplication{identity->bundleIdentifier, *pid});
     }
     ::closedir(dir);
+    std::erase_if(flatpakVerdicts_,
+                  [&seen](const auto& entry) { return !seen.contains(entry.first); });
 
     std::sort(
         found.begin(), found.end(),

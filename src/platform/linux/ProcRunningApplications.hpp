@@ -4,6 +4,7 @@
 #include "platform/linux/AppIdentities.hpp"
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -35,10 +36,18 @@ public:
     [[nodiscard]] std::vector<RunningApplication> runningApplications() const override;
 
 private:
-    [[nodiscard]] const AppIdentity* identify(const std::string& processDir) const;
+    struct FlatpakVerdict {
+        std::string processName;
+        bool checked = false;
+        const AppIdentity* identity = nullptr;
+    };
+
+    [[nodiscard]] const AppIdentity* identify(ProcessId pid, const std::string& processDir) const;
 
     Options options_;
     unsigned uid_;
+    // Flatpak scopes of the processes seen in the last listing.
+    mutable std::map<ProcessId, FlatpakVerdict> flatpakVerdicts_;
 };
 
 } // namespace hg
