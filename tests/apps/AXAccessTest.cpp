@@ -204,7 +204,7 @@ TEST(AXAccess, ValuesOfTheWrongKindCountAsFailures) {
 
     // A role of the wrong kind is as silent as a failed role read.
     z.item("Apple")->rawValues[AXOp::role] = std::vector<AXElementRef>{};
-    z.item("Apple")->rawValues[AXOp::title] = z.menuBar;
+    z.item("Apple")->rawValues[AXOp::title] = AXElementRef(FakeAXElement::make("AXMenu", "x"));
     EXPECT_EQ(raisedCode([&] { (void)access.findChild(z.menuBar, "Window", false); }), ax::failure);
     EXPECT_EQ(z.out.take(), Lines{" FAILRE"});
 }
