@@ -18,6 +18,11 @@
 #include "platform/qt/SystemClock.hpp"
 #include "platform/qt/TrayStatusItem.hpp"
 
+#if defined(__linux__)
+#include "platform/linux/AtspiAccessibility.hpp"
+#include "platform/linux/ProcRunningApplications.hpp"
+#endif
+
 namespace hg {
 
 struct DesktopPlatform::Backends {
@@ -33,8 +38,14 @@ struct DesktopPlatform::Backends {
     TrayStatusItem statusItem;
     QtApplication application;
     QtWindows windows;
+#if defined(__linux__)
+    AtspiAccessibility accessibility;
+    ProcRunningApplications runningApplications{ProcRunningApplications::Options{
+        .registeredProcesses = [this] { return accessibility.registeredProcessIds(); }}};
+#else
     FakeAccessibility accessibility; // untrusted: no backend yet
     FakeRunningApplications runningApplications;
+#endif
     PosixFileSystem fileSystem;
     PosixProcessRunner processRunner;
     FakeEventTap eventTap;
