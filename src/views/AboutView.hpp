@@ -8,6 +8,8 @@ namespace hg::views {
 // version, credits, contact links, the two outside components, a copyright
 // line. Links open in the desktop's browser or mail program.
 class AboutView final : public QWidget {
+    Q_OBJECT
+
 public:
     explicit AboutView(const QString& version, QWidget* parent = nullptr);
 };

@@ -18,6 +18,8 @@ namespace views {
 // accessibility access, the recent snapshots (newest on the left), and two
 // buttons that drive the store by hand. `userData` must outlive the view.
 class DebugView final : public QWidget {
+    Q_OBJECT
+
 public:
     explicit DebugView(UserData& userData, QWidget* parent = nullptr);
 

@@ -13,6 +13,8 @@ namespace hg::views {
 // sentence for Linux desktops, where granting turns the desktop's
 // accessibility on.
 class EnableAXView final : public QWidget {
+    Q_OBJECT
+
 public:
     EnableAXView(std::function<void()> promptAction, bool desktopNote, QWidget* parent = nullptr);
 

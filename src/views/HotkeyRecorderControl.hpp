@@ -15,6 +15,8 @@ namespace views {
 // themselves reach the recorder through the local key monitor it holds, not
 // through this widget. `recorder` must outlive the control.
 class HotkeyRecorderControl final : public QWidget {
+    Q_OBJECT
+
 public:
     explicit HotkeyRecorderControl(HotkeyRecorder& recorder, QWidget* parent = nullptr);
 

@@ -15,6 +15,8 @@ namespace views {
 // announces a change, so several toggles stay in step. `launchAtLogin` must
 // outlive the toggle.
 class LaunchAtLoginToggle final : public QCheckBox {
+    Q_OBJECT
+
 public:
     LaunchAtLoginToggle(LaunchAtLogin& launchAtLogin, const QString& label,
                         QWidget* parent = nullptr);

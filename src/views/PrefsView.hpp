@@ -21,6 +21,8 @@ namespace views {
 // its own: every switch writes its object at once and redraws when the
 // object announces a change. The objects must outlive the view.
 class PrefsView final : public QWidget {
+    Q_OBJECT
+
 public:
     PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& launchAtLogin,
               std::function<void()> showAbout, QWidget* parent = nullptr);

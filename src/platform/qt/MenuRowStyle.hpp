@@ -11,6 +11,8 @@ namespace hg {
 // platform draws itself (the native macOS menu, menus exported over D-Bus to a
 // StatusNotifierItem host) ignore styles: there the row shows in plain text.
 class MenuRowStyle final : public QProxyStyle {
+    Q_OBJECT
+
 public:
     static constexpr const char* redProperty = "hgRed";
 

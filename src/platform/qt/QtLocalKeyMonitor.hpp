@@ -21,6 +21,8 @@ namespace hg {
 // the platform's converter knows it (X11 key codes, macOS virtual key codes),
 // else from the Qt key. Main thread only.
 class QtLocalKeyMonitor final : public QObject, public LocalKeyMonitor {
+    Q_OBJECT
+
 public:
     // The macOS virtual key code of a native key event, or nothing to fall back
     // on the Qt key.

@@ -18,17 +18,26 @@ public:
 
     [[nodiscard]] bool isPanel() const { return panel_; }
 
+    // The frame is the client area's rectangle in screen coordinates: what the
+    // window manager adds around it is its own business, and saving the
+    // decorated frame would move the window by its border on every restore.
     void saveFrame() {
         if (!key_.isEmpty()) {
-            frames_.setValue(key_, saveGeometry());
+            frames_.setValue(key_, geometry());
         }
     }
+    // False when nothing usable was saved: no value, an empty rectangle, or
+    // one whose centre lies on no screen any more.
     bool restoreFrame() {
         if (key_.isEmpty()) {
             return false;
         }
-        const QByteArray saved = frames_.value(key_).toByteArray();
-        return !saved.isEmpty() && restoreGeometry(saved);
+        const QRect saved = frames_.value(key_).toRect();
+        if (saved.isEmpty() || QGuiApplication::screenAt(saved.center()) == nullptr) {
+            return false;
+        }
+        setGeometry(saved);
+        return true;
     }
 
 protected:

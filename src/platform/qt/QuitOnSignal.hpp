@@ -12,6 +12,8 @@ namespace hg {
 // byte to a pipe; the event loop reads it on the main thread. One instance per
 // process.
 class QuitOnSignal final : public QObject {
+    Q_OBJECT
+
 public:
     QuitOnSignal();
     ~QuitOnSignal() override;

@@ -23,6 +23,8 @@ namespace hg {
 // (the handler's menuWillOpen) is applied at once, so that it is the one that
 // opens. Main thread only.
 class TrayStatusItem final : public QObject, public StatusItem {
+    Q_OBJECT
+
 public:
     // The keyboard modifiers held now; tests replace the real query.
     using ModifierQuery = std::function<Qt::KeyboardModifiers()>;

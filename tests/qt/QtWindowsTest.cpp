@@ -1,0 +1,163 @@
+// The windows as the application delegate opens them, on Qt widgets: built
+// once, brought back on every request, hidden by closing, their frames kept.
+#include "platform/qt/QtWindows.hpp"
+
+#include "app/AppDelegate.hpp"
+#include "app/WindowTable.hpp"
+#include "platform/fake/BufferLineSink.hpp"
+#include "platform/fake/FakeAccessibility.hpp"
+#include "platform/fake/FakeClock.hpp"
+#include "platform/fake/FakeEventTap.hpp"
+#include "platform/fake/FakeFileSystem.hpp"
+#include "platform/fake/FakeKeyboardLayout.hpp"
+#include "platform/fake/FakeLoginItems.hpp"
+#include "platform/fake/FakeProcessRunner.hpp"
+#include "platform/fake/FakeRunningApplications.hpp"
+#include "platform/fake/FakeTimers.hpp"
+#include "platform/fake/FakeUpdater.hpp"
+#include "platform/fake/FakeUserDefaults.hpp"
+#include "platform/qt/QtApplication.hpp"
+#include "platform/qt/QtLocalKeyMonitor.hpp"
+#include "platform/qt/TrayStatusItem.hpp"
+#include "views/EnableAXView.hpp"
+
+#include <QPointer>
+#include <QPushButton>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace hg;
+
+namespace {
+
+// The application over Qt windows and a Qt tray; every other port is a fake.
+struct Desktop {
+    QTemporaryDir dir;
+    QSettings frames{dir.filePath(QStringLiteral("frames.ini")), QSettings::IniFormat};
+    BufferLineSink out;
+    FakeClock clock;
+    FakeTimers timers{clock};
+    FakeUserDefaults defaults;
+    TrayStatusItem statusItem{out};
+    QtApplication application;
+    QtWindows windows{frames, application};
+    FakeAccessibility accessibility;
+    FakeRunningApplications running;
+    FakeFileSystem files;
+    FakeProcessRunner runner;
+    FakeEventTap tap;
+    FakeKeyboardLayout layout;
+    QtLocalKeyMonitor monitor;
+    FakeLoginItems loginItems;
+    FakeUnifiedLog log;
+    FakeUpdater updater;
+    Platform platform{clock,       timers,        out,        defaults, statusItem, windows,
+                      application, accessibility, running,    files,    runner,     tap,
+                      layout,      monitor,       loginItems, log,      updater};
+    AppDelegate delegate{platform};
+};
+
+} // namespace
+
+class QtWindowsTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void prefsWindowIsBuiltOnceAndReused() {
+        Desktop d;
+        d.accessibility.setTrusted(true);
+        d.delegate.startUp();
+        QCOMPARE(d.windows.count(), std::size_t{0});
+        d.delegate.showPrefsWindow();
+        QPointer<QWidget> prefs = d.windows.window(*d.delegate.prefsWindow());
+        QVERIFY(prefs);
+        QVERIFY(prefs->isVisible());
+        QCOMPARE(prefs->windowTitle(), QStringLiteral("Hush Gremlin Preferences"));
+        // Not resizable: a fixed size at least as large as the spec's.
+        QCOMPARE(prefs->minimumSize(), prefs->maximumSize());
+        QVERIFY(prefs->width() >= 300 && prefs->height() >= 200);
+        const Qt::WindowFlags flags = prefs->windowFlags();
+        QVERIFY(flags.testFlag(Qt::WindowCloseButtonHint));
+        QVERIFY(flags.testFlag(Qt::WindowMinimizeButtonHint));
+        QVERIFY(!flags.testFlag(Qt::WindowMaximizeButtonHint));
+
+        prefs->close();
+        QVERIFY(prefs); // hidden, not destroyed
+        QVERIFY(!prefs->isVisible());
+        d.delegate.showPrefsWindow();
+        d.delegate.showPrefsWindow();
+        QCOMPARE(d.windows.count(), std::size_t{1});
+        QCOMPARE(d.windows.window(*d.delegate.prefsWindow()), prefs.data());
+        QVERIFY(prefs->isVisible());
+    }
+
+    void everyWindowHasItsTitleAndKind() {
+        Desktop d;
+        d.delegate.startUp(); // untrusted: the accessibility window opens
+        QWidget* ax = d.windows.window(*d.delegate.axSetupWindow());
+        QCOMPARE(ax->windowTitle(), QStringLiteral("HushGremlin Accessibility"));
+        QVERIFY(ax->isVisible());
+
+        d.delegate.showDebugWindow();
+        QWidget* debug = d.windows.window(*d.delegate.debugWindow());
+        QVERIFY(debug->windowTitle().isEmpty());
+        QVERIFY(debug->windowFlags().testFlag(Qt::Tool));
+        QVERIFY(debug->windowFlags().testFlag(Qt::WindowStaysOnTopHint));
+        QVERIFY(debug->testAttribute(Qt::WA_ShowWithoutActivating));
+        QVERIFY(debug->minimumSize() != debug->maximumSize()); // resizable
+        QCOMPARE(debug->size(), QSize(480, 300));
+
+        d.delegate.showPrefsWindow();
+        for (auto* button :
+             d.windows.window(*d.delegate.prefsWindow())->findChildren<QPushButton*>()) {
+            if (button->text() == QStringLiteral("About...")) {
+                button->click();
+            }
+        }
+        QWidget* about = d.windows.window(*d.delegate.aboutWindow());
+        QCOMPARE(about->windowTitle(), QStringLiteral("About Hush Gremlin"));
+        QVERIFY(about->isVisible());
+        QCOMPARE(d.windows.count(), std::size_t{4});
+    }
+
+    void returnPressesTheGrantButtonOnce() {
+        Desktop d;
+        d.delegate.startUp();
+        QWidget* ax = d.windows.window(*d.delegate.axSetupWindow());
+        ax->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(ax));
+        QCOMPARE(ax->findChild<views::EnableAXView*>()->grantButton().text(),
+                 QStringLiteral("Grant Acessibility Permission"));
+        const int promptsBefore = d.accessibility.promptCount();
+        QTest::keyClick(ax, Qt::Key_Return);
+        QCOMPARE(d.accessibility.promptCount(), promptsBefore + 1);
+        // The action closes the window.
+        QVERIFY(!ax->isVisible());
+    }
+
+    void framesAreKeptUnderTheAutosaveName() {
+        QTemporaryDir dir;
+        QSettings frames(dir.filePath(QStringLiteral("frames.ini")), QSettings::IniFormat);
+        QtApplication application;
+        const auto spec = [] { return windowtable::about.spec(AboutContent{"1.2.3"}); };
+        QRect moved;
+        {
+            QtWindows windows(frames, application);
+            const WindowId id = windows.create(spec());
+            windows.makeKeyAndOrderFront(id);
+            QWidget* window = windows.window(id);
+            QVERIFY(QTest::qWaitForWindowExposed(window));
+            window->move(window->pos() + QPoint(31, 17));
+            moved = window->geometry();
+            windows.close(id);
+            QVERIFY(frames.contains(QStringLiteral("WindowFrames/HG About")));
+        }
+        QtWindows again(frames, application);
+        const WindowId id = again.create(spec());
+        QCOMPARE(again.window(id)->geometry(), moved);
+    }
+};
+
+QTEST_MAIN(QtWindowsTest)
+#include "QtWindowsTest.moc"

@@ -1,0 +1,274 @@
+// The window contents driven as a user would: clicking switches and buttons,
+// typing a shortcut, and watching them follow changes made elsewhere.
+#include "app/LaunchAtLogin.hpp"
+#include "core/UserData.hpp"
+#include "core/UserPrefs.hpp"
+#include "hotkey/Hotkey.hpp"
+#include "hotkey/HotkeyRecorder.hpp"
+#include "menu/GremlinMenu.hpp"
+#include "platform/fake/BufferLineSink.hpp"
+#include "platform/fake/FakeClock.hpp"
+#include "platform/fake/FakeKeyboardLayout.hpp"
+#include "platform/fake/FakeLoginItems.hpp"
+#include "platform/fake/FakeStatusItem.hpp"
+#include "platform/fake/FakeUserDefaults.hpp"
+#include "platform/qt/QtLocalKeyMonitor.hpp"
+#include "views/DebugView.hpp"
+#include "views/HotkeyRecorderControl.hpp"
+#include "views/PrefsView.hpp"
+
+#include <QCheckBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QVBoxLayout>
+
+using namespace hg;
+
+namespace {
+
+// A meeting app whose toggles always succeed.
+class CountingApp final : public MeetingApp {
+public:
+    int toggles = 0;
+    std::string name() const override { return "Zoom"; }
+    MeetingStatus fetchStatus() override { return MeetingStatus::onMute; }
+    MeetingStatus toggleMute(MeetingStatus /*from*/) override {
+        ++toggles;
+        return MeetingStatus::offMute;
+    }
+    bool needsSetup() override { return false; }
+};
+
+struct PrefsFixture {
+    FakeUserDefaults defaults;
+    FakeKeyboardLayout layout;
+    QtLocalKeyMonitor monitor;
+    FakeLoginItems loginItems;
+    FakeUnifiedLog log;
+    int updateChecks = 0;
+    int aboutShown = 0;
+    UserPrefs prefs{defaults, [this] { ++updateChecks; }};
+    HotkeyRecorder recorder{defaults, layout, monitor};
+    LaunchAtLogin launchAtLogin{loginItems, log};
+    views::PrefsView view{prefs, recorder, launchAtLogin, [this] { ++aboutShown; }};
+
+    QPushButton* button(const QString& text) {
+        for (auto* b : view.findChildren<QPushButton*>()) {
+            if (b->text() == text) {
+                return b;
+            }
+        }
+        return nullptr;
+    }
+    QCheckBox* checkBox(const QString& text) {
+        for (auto* b : view.findChildren<QCheckBox*>()) {
+            if (b->text() == text) {
+                return b;
+            }
+        }
+        return nullptr;
+    }
+};
+
+struct DebugFixture {
+    FakeStatusItem item;
+    GremlinMenu menu{item, {}};
+    FakeClock clock;
+    BufferLineSink out;
+    UserData userData{menu, clock, out};
+    views::DebugView view{userData};
+
+    QString text(int index) {
+        return view.findChildren<QLabel*>(Qt::FindDirectChildrenOnly).at(index)->text();
+    }
+    // The three lines of each history column, left to right.
+    QStringList history() {
+        QStringList columns;
+        for (int i = 0; i < view.historyRow().count(); ++i) {
+            QStringList lines;
+            for (auto* label : view.historyRow().itemAt(i)->widget()->findChildren<QLabel*>()) {
+                lines << label->text();
+            }
+            columns << lines.join(QLatin1Char('/'));
+        }
+        return columns;
+    }
+};
+
+} // namespace
+
+class ViewsTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void prefsSwitchesWriteTheStoreAtOnce() {
+        PrefsFixture f;
+        QVERIFY(f.view.zoomToggle().isChecked());
+        QVERIFY(f.view.tupleToggle().isChecked());
+        QTest::mouseClick(&f.view.zoomToggle(), Qt::LeftButton);
+        // No turn of the event loop in between: written at once.
+        QCOMPARE(f.defaults.objectForKey("muteOnJoin_Zoom"), std::optional<DefaultsValue>(false));
+        QCOMPARE(f.prefs.muteOnJoinZoom(), false);
+        QCOMPARE(f.defaults.objectForKey("muteOnJoin_Tuple"), std::optional<DefaultsValue>(true));
+        QTest::mouseClick(&f.view.zoomToggle(), Qt::LeftButton);
+        QCOMPARE(f.defaults.objectForKey("muteOnJoin_Zoom"), std::optional<DefaultsValue>(true));
+    }
+
+    void prefsRedrawWhenChangedElsewhere() {
+        PrefsFixture f;
+        f.prefs.setMuteOnJoinTuple(false);
+        QTRY_VERIFY(!f.view.tupleToggle().isChecked());
+        QVERIFY(f.view.zoomToggle().isChecked());
+        f.prefs.setMuteOnJoinTuple(true);
+        f.prefs.setMuteOnJoinZoom(false);
+        QTRY_VERIFY(f.view.tupleToggle().isChecked());
+        QVERIFY(!f.view.zoomToggle().isChecked());
+    }
+
+    void prefsButtonsAndLaunchAtLogin() {
+        PrefsFixture f;
+        QTest::mouseClick(f.button(QStringLiteral("Check For Updates...")), Qt::LeftButton);
+        QTest::mouseClick(f.button(QStringLiteral("Check For Updates...")), Qt::LeftButton);
+        QTest::mouseClick(f.button(QStringLiteral("About...")), Qt::LeftButton);
+        QCOMPARE(f.updateChecks, 2);
+        QCOMPARE(f.aboutShown, 1);
+
+        QCheckBox* login = f.checkBox(QStringLiteral("Start Hush Gremlin on login"));
+        QVERIFY(login != nullptr);
+        QVERIFY(!login->isChecked());
+        QTest::mouseClick(login, Qt::LeftButton);
+        QCOMPARE(f.loginItems.status(), LoginItems::Status::enabled);
+        QTRY_VERIFY(login->isChecked());
+        // A refused change shows the service's state again.
+        f.loginItems.fail = true;
+        QTest::mouseClick(login, Qt::LeftButton);
+        QTRY_VERIFY(login->isChecked());
+        QCOMPARE(f.log.lines().size(), std::size_t{1});
+    }
+
+    void recordingAShortcutWithAKey() {
+        PrefsFixture f;
+        f.view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&f.view));
+        auto* field = f.view.findChild<views::HotkeyRecorderControl*>();
+        QVERIFY(field != nullptr);
+        QCOMPARE(field->sizeHint(), QSize(100, 24));
+        QCOMPARE(field->maximumWidth(), 100);
+
+        QTest::mouseClick(field, Qt::LeftButton);
+        QVERIFY(f.recorder.isRecording());
+        QCOMPARE(f.recorder.shownText(), std::string("Type shortcut\u2026"));
+        // A key without a modifier is not taken; recording goes on.
+        QTest::keyClick(field, Qt::Key_K);
+        QVERIFY(f.recorder.isRecording());
+        QVERIFY(!f.defaults.hasObject(Hotkey::defaultsKey));
+        QTest::keyClick(field, Qt::Key_K, Qt::ControlModifier | Qt::ShiftModifier);
+        QVERIFY(!f.recorder.isRecording());
+        QCOMPARE(Hotkey::load(f.defaults), (Hotkey{40, 0x60000}));
+        QCOMPARE(f.recorder.shownText(), std::string("⌃⇧K"));
+    }
+
+    void recordingModifiersAlone() {
+        PrefsFixture f;
+        f.view.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&f.view));
+        auto* field = f.view.findChild<views::HotkeyRecorderControl*>();
+        QTest::mouseClick(field, Qt::LeftButton);
+        QTest::keyPress(field, Qt::Key_Control);
+        QTest::keyPress(field, Qt::Key_Alt, Qt::ControlModifier);
+        QVERIFY(f.recorder.isRecording());
+        QTest::keyRelease(field, Qt::Key_Alt, Qt::ControlModifier | Qt::AltModifier);
+        QVERIFY(!f.recorder.isRecording());
+        QCOMPARE(Hotkey::load(f.defaults), (Hotkey{Hotkey::noKey, 0xC0000}));
+        QCOMPARE(f.recorder.shownText(), std::string("⌃⌥"));
+    }
+
+    void recordingIsCancelledByEscapeClickAndFocusLoss() {
+        PrefsFixture f;
+        auto* other = new QLineEdit(&f.view);
+        f.view.layout()->addWidget(other);
+        f.view.show();
+        f.view.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&f.view));
+        auto* field = f.view.findChild<views::HotkeyRecorderControl*>();
+
+        QTest::mouseClick(field, Qt::LeftButton);
+        QTest::keyClick(field, Qt::Key_Escape, Qt::ControlModifier);
+        QVERIFY(!f.recorder.isRecording());
+
+        QTest::mouseClick(field, Qt::LeftButton);
+        QTest::mouseClick(field, Qt::LeftButton);
+        QVERIFY(!f.recorder.isRecording());
+
+        QTest::mouseClick(field, Qt::LeftButton);
+        QVERIFY(field->hasFocus());
+        other->setFocus(Qt::MouseFocusReason);
+        QVERIFY(!f.recorder.isRecording());
+
+        // Keys go to the other field again once recording has ended.
+        QTest::keyClick(other, Qt::Key_A);
+        QCOMPARE(other->text(), QStringLiteral("a"));
+        QVERIFY(!f.defaults.hasObject(Hotkey::defaultsKey));
+        QCOMPARE(f.recorder.hotkey(), Hotkey::defaultHotkey());
+    }
+
+    void debugViewShowsTheStore() {
+        DebugFixture f;
+        QCOMPARE(f.text(0),
+                 QStringLiteral("This is a debug menu for HushGremlin. Feel free to close it."));
+        QCOMPARE(f.text(1), QStringLiteral("Truest Status: error"));
+        QCOMPARE(f.text(2), QStringLiteral("Read Status: error"));
+        QCOMPARE(f.text(3), QStringLiteral("AXAccess: False"));
+        QVERIFY(f.history().isEmpty());
+        QVERIFY(!f.view.toggleMuteButton().isEnabled());
+
+        f.userData.setHasAXAccess(true);
+        f.userData.setStatus(MeetingStatus::noMeeting);
+        f.userData.setStatus(MeetingStatus::onMute);
+        QTRY_COMPARE(f.text(2), QStringLiteral("Read Status: onMute"));
+        QCOMPARE(f.text(1), QStringLiteral("Truest Status: onMute"));
+        QCOMPARE(f.text(3), QStringLiteral("AXAccess: True"));
+        // Each snapshot is taken as a reading arrives, before it is shown.
+        QCOMPARE(f.history(), (QStringList{"noMeeting/onMute/True", "error/noMeeting/True"}));
+
+        for (int i = 0; i < 11; ++i) {
+            f.userData.setStatus(MeetingStatus::offMute);
+        }
+        QTRY_COMPARE(f.history().size(), 10);
+    }
+
+    void debugToggleMuteFollowsTheReadStatus() {
+        DebugFixture f;
+        auto app = std::make_shared<CountingApp>();
+        f.userData.setActiveApp(app);
+        const std::pair<MeetingStatus, bool> cases[] = {
+            {MeetingStatus::onMute, true},      {MeetingStatus::noMeeting, false},
+            {MeetingStatus::offMute, true},     {MeetingStatus::setupError, false},
+            {MeetingStatus::notRunning, false}, {MeetingStatus::error, false},
+        };
+        for (const auto& [status, enabled] : cases) {
+            f.userData.setStatus(status);
+            QTRY_COMPARE(f.view.toggleMuteButton().isEnabled(), enabled);
+        }
+        // The truest status may say onMute while the read one does not.
+        f.userData.setStatus(MeetingStatus::onMute);
+        f.clock.advanceSeconds(1);
+        f.userData.setStatus(MeetingStatus::error);
+        QTRY_VERIFY(!f.view.toggleMuteButton().isEnabled());
+        QVERIFY(f.userData.truestStatus() == MeetingStatus::onMute);
+
+        f.userData.setStatus(MeetingStatus::offMute);
+        QTRY_VERIFY(f.view.toggleMuteButton().isEnabled());
+        QTest::mouseClick(&f.view.toggleMuteButton(), Qt::LeftButton);
+        QCOMPARE(app->toggles, 1);
+        f.out.clear();
+        QTest::mouseClick(&f.view.pressButton(), Qt::LeftButton);
+        QCOMPARE(f.out.lines().front(), std::string("BUTTON PRESSED HERE!"));
+    }
+};
+
+QTEST_MAIN(ViewsTest)
+#include "ViewsTest.moc"
