@@ -1,0 +1,217 @@
+#include "hotkey/ModifierKeys.hpp"
+#include "platform/linux/X11GrabPlan.hpp"
+#include "platform/linux/X11KeyTranslator.hpp"
+
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace hg {
+namespace {
+
+constexpr std::uint8_t shiftL = 50, shiftR = 62, capsLock = 66, controlL = 37, controlR = 105,
+                       altL = 64, altR = 108, numLock = 77, superL = 133, superR = 134, altGr = 92,
+                       keyK = 45, keyA = 38, spareFn = 200;
+
+// A pc105 "us" mapping as Xorg sets it up, optionally with XF86Fn on a spare
+// key code and Num Lock on another modifier.
+X11KeyRoles usRoles(bool withFn = false, int numLockRow = 4, bool capsIsControl = false) {
+    constexpr std::size_t perRow = 4;
+    std::vector<std::uint8_t> rows(8 * perRow, 0);
+    auto put = [&](std::size_t row, std::vector<std::uint8_t> keys) {
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            rows[row * perRow + i] = keys[i];
+        }
+    };
+    put(0, {shiftL, shiftR});
+    put(1, capsIsControl ? std::vector<std::uint8_t>{} : std::vector<std::uint8_t>{capsLock});
+    put(2, capsIsControl ? std::vector<std::uint8_t>{controlL, controlR, capsLock}
+                         : std::vector<std::uint8_t>{controlL, controlR});
+    put(3, {altL, altR});
+    put(static_cast<std::size_t>(numLockRow), {numLock});
+    put(6, {superL, superR});
+    put(7, {altGr});
+    std::vector<std::uint32_t> keysyms(2 * 248, 0);
+    keysyms[2 * (numLock - 8)] = X11KeyRoles::numLockKeysym;
+    if (withFn) {
+        keysyms[2 * (spareFn - 8) + 1] = X11KeyRoles::fnKeysym;
+    }
+    return X11KeyRoles::fromMapping(rows, perRow, 8, 2, keysyms);
+}
+
+std::vector<X11Grab> withLocks(std::uint8_t key, std::uint16_t modifiers,
+                               std::uint16_t numLockMask = x11mask::mod2) {
+    return {{key, modifiers},
+            {key, static_cast<std::uint16_t>(modifiers | x11mask::lock)},
+            {key, static_cast<std::uint16_t>(modifiers | numLockMask)},
+            {key, static_cast<std::uint16_t>(modifiers | x11mask::lock | numLockMask)}};
+}
+
+std::vector<X11Grab> sorted(std::vector<X11Grab> grabs) {
+    std::sort(grabs.begin(), grabs.end());
+    return grabs;
+}
+
+TEST(X11GrabPlan, MainKeyIsGrabbedWithItsModifiersUnderEveryLockCombination) {
+    const Hotkey commandK{40, modifier::command};
+    EXPECT_EQ(X11GrabPlan::forHotkey(commandK, usRoles()), withLocks(keyK, x11mask::mod4));
+
+    const Hotkey controlOptionShiftK{40, modifier::control | modifier::option | modifier::shift};
+    EXPECT_EQ(X11GrabPlan::forHotkey(controlOptionShiftK, usRoles()),
+              withLocks(keyK, x11mask::control | x11mask::mod1 | x11mask::shift));
+
+    // Bits outside the significant mask are shown nowhere and matched nowhere.
+    const Hotkey f5WithStrayBits{0x60, 0x10000 | 0x100};
+    EXPECT_EQ(X11GrabPlan::forHotkey(f5WithStrayBits, usRoles()), withLocks(71, 0));
+}
+
+TEST(X11GrabPlan, NumLockFollowsTheMapping) {
+    EXPECT_EQ(X11GrabPlan::forHotkey({40, modifier::command}, usRoles(false, 5)),
+              sorted(withLocks(keyK, x11mask::mod4, 0x20)));
+}
+
+TEST(X11GrabPlan, ModifiersAloneGrabEachModifierKeyWithTheOthers) {
+    const Hotkey controlOption{Hotkey::noKey, modifier::control | modifier::option};
+    std::vector<X11Grab> expected;
+    for (const auto key : {controlL, controlR}) {
+        for (const auto& g : withLocks(key, x11mask::mod1)) {
+            expected.push_back(g);
+        }
+    }
+    for (const auto key : {altL, altR}) {
+        for (const auto& g : withLocks(key, x11mask::control)) {
+            expected.push_back(g);
+        }
+    }
+    EXPECT_EQ(X11GrabPlan::forHotkey(controlOption, usRoles()), sorted(expected));
+
+    // Caps Lock set up as a third control key is grabbed like the others.
+    const auto plan = X11GrabPlan::forHotkey(controlOption, usRoles(false, 4, true));
+    EXPECT_EQ(std::count_if(plan.begin(), plan.end(),
+                            [](const X11Grab& g) { return g.keyCode == capsLock; }),
+              4);
+}
+
+TEST(X11GrabPlan, ShortcutsNoKeyCanGiveAreNotGrabbed) {
+    const struct {
+        const char* what;
+        Hotkey hotkey;
+    } rows[] = {
+        {"fn alone without an XF86Fn key", Hotkey::defaultHotkey()},
+        {"fn-K without an XF86Fn key", {40, modifier::function}},
+        {"None", {Hotkey::noKey, 0}},
+        {"a modifier key as main key", {55, modifier::shift}},
+        {"a key code without X11 counterpart", {0x7F, 0}},
+        {"fn's own key code as main key", {63, 0}},
+    };
+    for (const auto& row : rows) {
+        EXPECT_TRUE(X11GrabPlan::forHotkey(row.hotkey, usRoles()).empty()) << row.what;
+    }
+}
+
+TEST(X11GrabPlan, FnIsGrabbedWhereTheKeymapHasAnFnKey) {
+    EXPECT_EQ(X11GrabPlan::forHotkey(Hotkey::defaultHotkey(), usRoles(true)),
+              withLocks(spareFn, 0));
+    // shift-fn: fn with Shift held, or either shift key (fn has no X bit; the
+    // monitor's exact comparison rejects the shift press without fn held).
+    const auto plan = X11GrabPlan::forHotkey({Hotkey::noKey, modifier::shift | modifier::function},
+                                             usRoles(true));
+    std::vector<X11Grab> expected = withLocks(spareFn, x11mask::shift);
+    for (const auto key : {shiftL, shiftR}) {
+        for (const auto& g : withLocks(key, 0)) {
+            expected.push_back(g);
+        }
+    }
+    EXPECT_EQ(plan, sorted(expected));
+}
+
+TEST(X11KeyTranslator, GrabbedPressesCarryTheFlagsAfterThePress) {
+    X11KeyTranslator t;
+    t.setRoles(usRoles(true));
+
+    t.rawPress(superL);
+    t.rawPress(keyK);
+    auto k = t.grabbedPress(keyK, x11mask::mod4 | x11mask::mod2);
+    ASSERT_TRUE(k);
+    EXPECT_EQ(k->type, tapevent::keyDown);
+    EXPECT_EQ(k->keyCode, 40);
+    EXPECT_EQ(k->flags, modifier::command);
+    EXPECT_EQ(k->autorepeat, 0);
+
+    // Modifier keys are flags-changed events whose flags include their own bit.
+    t.rawPress(controlL);
+    t.rawPress(altR);
+    auto option = t.grabbedPress(altR, x11mask::control | x11mask::lock);
+    ASSERT_TRUE(option);
+    EXPECT_EQ(option->type, tapevent::flagsChanged);
+    EXPECT_EQ(option->keyCode, 61);
+    EXPECT_EQ(option->flags & Hotkey::significantMask, modifier::control | modifier::option);
+
+    // fn is known from its raw press, not from the X state.
+    t.rawPress(spareFn);
+    auto fn = t.grabbedPress(spareFn, 0);
+    ASSERT_TRUE(fn);
+    EXPECT_EQ(fn->type, tapevent::flagsChanged);
+    EXPECT_EQ(fn->keyCode, 63);
+    EXPECT_EQ(fn->flags, modifier::function);
+    t.rawPress(keyA);
+    auto a = t.grabbedPress(keyA, 0);
+    ASSERT_TRUE(a);
+    EXPECT_EQ(a->flags, modifier::function);
+}
+
+TEST(X11KeyTranslator, ARepeatedGrabWithoutReleaseIsAnAutoRepeat) {
+    X11KeyTranslator t;
+    t.setRoles(usRoles());
+    t.rawPress(keyK);
+    EXPECT_EQ(t.grabbedPress(keyK, x11mask::mod4)->autorepeat, 0);
+    EXPECT_NE(t.grabbedPress(keyK, x11mask::mod4)->autorepeat, 0);
+    EXPECT_NE(t.grabbedPress(keyK, x11mask::mod4)->autorepeat, 0);
+    ASSERT_TRUE(t.release(keyK, 100));
+    t.rawPress(keyK);
+    EXPECT_EQ(t.grabbedPress(keyK, x11mask::mod4)->autorepeat, 0);
+}
+
+TEST(X11KeyTranslator, RawReleasesCarryTheFlagsOfTheKeysStillDown) {
+    X11KeyTranslator t;
+    t.setRoles(usRoles());
+    t.rawPress(controlL);
+    t.rawPress(controlR);
+    t.rawPress(altL);
+
+    auto left = t.release(controlL, 1);
+    ASSERT_TRUE(left);
+    EXPECT_EQ(left->type, tapevent::flagsChanged);
+    EXPECT_EQ(left->keyCode, 59);
+    EXPECT_EQ(left->flags, modifier::control | modifier::option) << "right control still down";
+
+    EXPECT_FALSE(t.release(controlL, 1)) << "the same release reported twice";
+
+    auto right = t.release(controlR, 2);
+    ASSERT_TRUE(right);
+    EXPECT_EQ(right->keyCode, 62);
+    EXPECT_EQ(right->flags, modifier::option);
+
+    auto k = t.release(keyK, 3);
+    ASSERT_TRUE(k);
+    EXPECT_EQ(k->type, tapevent::keyUp);
+    EXPECT_EQ(k->keyCode, 40);
+
+    auto caps = t.release(capsLock, 4);
+    ASSERT_TRUE(caps);
+    EXPECT_EQ(caps->type, tapevent::flagsChanged) << "caps lock, as on a Mac";
+    EXPECT_EQ(caps->keyCode, 57);
+}
+
+TEST(X11KeyTranslator, KeysReportTheRoleTheMappingGivesThem) {
+    X11KeyTranslator t;
+    t.setRoles(usRoles(false, 4, true));
+    EXPECT_EQ(t.macKeyCode(capsLock), 59) << "Caps Lock set up as control";
+    EXPECT_EQ(t.macKeyCode(superR), 54);
+    EXPECT_EQ(t.macKeyCode(altGr), std::nullopt) << "AltGr is not option";
+    EXPECT_EQ(t.macKeyCode(keyA), 0);
+    EXPECT_EQ(t.macKeyCode(spareFn), std::nullopt) << "no XF86Fn there";
+    EXPECT_FALSE(t.release(spareFn, 9));
+}
+
+} // namespace
+} // namespace hg
