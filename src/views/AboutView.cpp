@@ -54,7 +54,7 @@ QHBoxLayout* row() {
 
 AboutView::AboutView(const QString& version, QWidget* parent) : QWidget(parent) {
     auto* column = new QVBoxLayout(this);
-    column->setAlignment(Qt::AlignHCenter);
+    column->addStretch();
 
     auto* icon = new QLabel(this);
     icon->setAlignment(Qt::AlignCenter);
@@ -97,15 +97,15 @@ AboutView::AboutView(const QString& version, QWidget* parent) : QWidget(parent) 
     uses->addStretch();
     column->addLayout(uses);
 
-    auto* copyright =
-        plain(QStringLiteral("Copyright \u00A9 the HushGremlin developers. All rights reserved."),
-              this, true);
-    copyright->setAlignment(Qt::AlignCenter);
+    auto* copyright = makeText(QStringLiteral("Copyright \u00A9 the HushGremlin developers"), this);
+    makeGrey(*copyright);
+    makeItalic(*copyright);
     column->addWidget(copyright);
     auto* sweet = plain(QStringLiteral("Be sweet."), this, true);
     sweet->setAlignment(Qt::AlignCenter);
     column->addWidget(sweet);
     column->addSpacing(10);
+    column->addStretch();
 }
 
 } // namespace hg::views

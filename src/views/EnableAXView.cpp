@@ -13,14 +13,15 @@ namespace hg::views {
 EnableAXView::EnableAXView(std::function<void()> promptAction, bool desktopNote, QWidget* parent)
     : QWidget(parent), promptAction_(std::move(promptAction)) {
     auto* column = new QVBoxLayout(this);
-    column->setAlignment(Qt::AlignHCenter);
 
     auto* text =
         makeText(QStringLiteral(
                      "You must grant the Accessibility permission to Hush Gremlin in order for it "
                      "to read and control your meeting app's mute."),
                  this);
-    text->setMaximumWidth(420);
+    // At most 420 wide: as wide as that when the window allows, so the
+    // wrapped lines are measured at that width.
+    text->setFixedWidth(420);
     text->setMinimumHeight(70);
     column->addWidget(text, 0, Qt::AlignHCenter);
     if (desktopNote) {
@@ -30,7 +31,7 @@ EnableAXView::EnableAXView(std::function<void()> promptAction, bool desktopNote,
                          "apps that were already running need a restart before Hush Gremlin can "
                          "see them."),
                      this);
-        note->setMaximumWidth(420);
+        note->setFixedWidth(420);
         makeCaption(*note);
         makeGrey(*note);
         column->addWidget(note, 0, Qt::AlignHCenter);

@@ -11,7 +11,6 @@ namespace hg::views {
 EnableTupleCLIView::EnableTupleCLIView(QWidget* parent) : QWidget(parent) {
     auto* column = new QVBoxLayout(this);
     column->setSpacing(12);
-    column->setAlignment(Qt::AlignHCenter);
 
     auto* title =
         makeText(QStringLiteral("Tuple is running but its CLI tool is not installed."), this);
@@ -22,7 +21,7 @@ EnableTupleCLIView::EnableTupleCLIView(QWidget* parent) : QWidget(parent) {
         QStringLiteral(
             "Hush Gremlin uses the Tuple CLI to detect and control your call's mute state."),
         this);
-    why->setMaximumWidth(400);
+    why->setFixedWidth(400);
     column->addWidget(why, 0, Qt::AlignHCenter);
 
     auto* box = new QFrame(this);

@@ -21,13 +21,17 @@
 #if defined(__linux__)
 #include "platform/linux/AtspiAccessibility.hpp"
 #include "platform/linux/ProcRunningApplications.hpp"
+#include "platform/linux/X11EventTap.hpp"
+#include "platform/linux/XkbKeyboardLayout.hpp"
 #endif
 
 namespace hg {
 
 struct DesktopPlatform::Backends {
     Backends() : statusItem(out), windows(defaults.settings(), application) {
+#if !defined(__linux__)
         eventTap.installable = false;
+#endif
         updater.onCheck = [this] { out.line("Updates are not available in this build"); };
     }
 
@@ -48,8 +52,13 @@ struct DesktopPlatform::Backends {
 #endif
     PosixFileSystem fileSystem;
     PosixProcessRunner processRunner;
-    FakeEventTap eventTap;
+#if defined(__linux__)
+    X11EventTap eventTap{defaults, out};
+    XkbKeyboardLayout keyboardLayout;
+#else
+    FakeEventTap eventTap; // not installable: no backend yet
     FakeKeyboardLayout keyboardLayout;
+#endif
     QtLocalKeyMonitor localKeyMonitor;
     FakeLoginItems loginItems;
     QtUnifiedLog unifiedLog;
