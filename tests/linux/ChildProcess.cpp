@@ -166,7 +166,11 @@ bool ChildProcess::send(const std::string& line) {
 }
 
 std::optional<std::string> ChildProcess::readLine(std::chrono::milliseconds limit) {
-    return readLineFrom(stdoutFd_, buffered_, limit);
+    auto line = readLineFrom(stdoutFd_, buffered_, limit);
+    if (line) {
+        linesRead_.push_back(*line);
+    }
+    return line;
 }
 
 std::optional<std::string> ChildProcess::waitForLine(const std::string& prefix,

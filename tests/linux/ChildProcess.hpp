@@ -38,6 +38,8 @@ public:
     // Reads lines until one starts with `prefix`; returns that line.
     std::optional<std::string> waitForLine(const std::string& prefix,
                                            std::chrono::milliseconds limit);
+    // Every line read from its standard output so far, in order.
+    [[nodiscard]] const std::vector<std::string>& linesRead() const { return linesRead_; }
 
     void signal(int number) const;
     // Kills it and waits until it is reaped.
@@ -52,6 +54,7 @@ private:
     int stdinFd_ = -1;
     int stdoutFd_ = -1;
     std::string buffered_;
+    std::vector<std::string> linesRead_;
     bool reaped_ = false;
 };
 
