@@ -18,14 +18,40 @@
 #include "platform/qt/SystemClock.hpp"
 #include "platform/qt/TrayStatusItem.hpp"
 
+#include <QKeyEvent>
+
 #if defined(__linux__)
 #include "platform/linux/AtspiAccessibility.hpp"
+#include "platform/linux/KeyCodeTable.hpp"
 #include "platform/linux/ProcRunningApplications.hpp"
 #include "platform/linux/X11EventTap.hpp"
 #include "platform/linux/XkbKeyboardLayout.hpp"
 #endif
 
 namespace hg {
+
+namespace {
+
+// The macOS virtual key code of a key event from its native key code: the
+// X11 (and Wayland) key code is evdev + 8; macOS hands its own code over.
+std::optional<std::uint16_t> nativeMacKeyCode(const QKeyEvent& event) {
+#if defined(__linux__)
+    if (event.nativeScanCode() == 0) {
+        return std::nullopt; // synthesized: Qt's key is all there is
+    }
+    return KeyCodeTable::macKeyCode(event.nativeScanCode());
+#elif defined(__APPLE__)
+    if (event.nativeVirtualKey() == 0 && event.key() != Qt::Key_A) {
+        return std::nullopt; // synthesized (0 is also the A key)
+    }
+    return static_cast<std::uint16_t>(event.nativeVirtualKey());
+#else
+    static_cast<void>(event);
+    return std::nullopt;
+#endif
+}
+
+} // namespace
 
 struct DesktopPlatform::Backends {
     Backends() : statusItem(out), windows(defaults.settings(), application) {
@@ -59,7 +85,7 @@ struct DesktopPlatform::Backends {
     FakeEventTap eventTap; // not installable: no backend yet
     FakeKeyboardLayout keyboardLayout;
 #endif
-    QtLocalKeyMonitor localKeyMonitor;
+    QtLocalKeyMonitor localKeyMonitor{nativeMacKeyCode};
     FakeLoginItems loginItems;
     QtUnifiedLog unifiedLog;
     FakeUpdater updater;
