@@ -6,9 +6,10 @@
 #include "platform/fake/FakeKeyboardLayout.hpp"
 #include "platform/fake/FakeLoginItems.hpp"
 #include "platform/fake/FakeRunningApplications.hpp"
-#include "platform/fake/FakeUpdater.hpp"
 #include "platform/posix/PosixFileSystem.hpp"
 #include "platform/posix/PosixProcessRunner.hpp"
+#include "platform/qt/AppcastUpdater.hpp"
+#include "platform/qt/MessageBoxUpdateAnswers.hpp"
 #include "platform/qt/QtApplication.hpp"
 #include "platform/qt/QtLocalKeyMonitor.hpp"
 #include "platform/qt/QtTimers.hpp"
@@ -18,6 +19,7 @@
 #include "platform/qt/SystemClock.hpp"
 #include "platform/qt/TrayStatusItem.hpp"
 
+#include <QCoreApplication>
 #include <QKeyEvent>
 
 #if defined(__linux__)
@@ -25,6 +27,7 @@
 #include "platform/linux/KeyCodeTable.hpp"
 #include "platform/linux/ProcRunningApplications.hpp"
 #include "platform/linux/X11EventTap.hpp"
+#include "platform/linux/XdgLoginItems.hpp"
 #include "platform/linux/XkbKeyboardLayout.hpp"
 #endif
 
@@ -58,7 +61,6 @@ struct DesktopPlatform::Backends {
 #if !defined(__linux__)
         eventTap.installable = false;
 #endif
-        updater.onCheck = [this] { out.line("Updates are not available in this build"); };
     }
 
     StdoutLineSink out;
@@ -86,9 +88,16 @@ struct DesktopPlatform::Backends {
     FakeKeyboardLayout keyboardLayout;
 #endif
     QtLocalKeyMonitor localKeyMonitor{nativeMacKeyCode};
+#if defined(__linux__)
+    XdgLoginItems loginItems{QCoreApplication::applicationFilePath().toStdString()};
+#else
     FakeLoginItems loginItems;
+#endif
     QtUnifiedLog unifiedLog;
-    FakeUpdater updater;
+    MessageBoxUpdateAnswers updateAnswers;
+    AppcastUpdater updater{
+        AppcastUpdater::Options{.feedUrl = HG_UPDATE_FEED_URL, .currentVersion = HG_VERSION},
+        updateAnswers, out};
 };
 
 DesktopPlatform::DesktopPlatform() : backends_(std::make_unique<Backends>()) {
