@@ -45,7 +45,7 @@ struct Desktop {
         }
         fixture->command("join");
         apps = std::make_unique<ProcRunningApplications>(ProcRunningApplications::Options{
-            .identities = {AppIdentity{"us.zoom.xos", {"hg-fixture-app"}, {}}}});
+            .identities = {AppIdentity{"us.zoom.xos", {fixture->processName()}, {}}}});
     }
 
     static Desktop& shared() {

@@ -11,22 +11,21 @@ namespace {
 
 class AtspiMeetingWorld final : public MeetingWorld {
 public:
-    AtspiMeetingWorld()
-        : apps_(ProcRunningApplications::Options{
-              .identities = {AppIdentity{"us.zoom.xos", {"hg-fixture-app"}, {}}},
-              .registeredProcesses = [this] { return ax_.registeredProcessIds(); },
-          }) {}
-
     bool start(std::string& whyNot) {
         app_ = FixtureApp::start(ax_, whyNot);
-        if (app_) {
-            pid_ = app_->pid();
+        if (!app_) {
+            return false;
         }
-        return app_ != nullptr;
+        pid_ = app_->pid();
+        apps_ = std::make_unique<ProcRunningApplications>(ProcRunningApplications::Options{
+            .identities = {AppIdentity{"us.zoom.xos", {app_->processName()}, {}}},
+            .registeredProcesses = [this] { return ax_.registeredProcessIds(); },
+        });
+        return true;
     }
 
     Accessibility& accessibility() override { return ax_; }
-    RunningApplications& runningApplications() override { return apps_; }
+    RunningApplications& runningApplications() override { return *apps_; }
     [[nodiscard]] ProcessId appPid() const override { return pid_; }
 
     std::string command(const std::string& text) override { return app_->command(text); }
@@ -38,7 +37,7 @@ public:
 
 private:
     AtspiAccessibility ax_{AtspiAccessibility::Options{.alwaysOn = true}};
-    ProcRunningApplications apps_;
+    std::unique_ptr<ProcRunningApplications> apps_;
     std::unique_ptr<FixtureApp> app_;
     ProcessId pid_ = 0;
 };

@@ -103,12 +103,12 @@ TEST_F(DesktopEndToEnd, GrantMuteOnJoinToggleFromTheMenuLeaveAndQuit) {
 
     // Accessibility is off, and the program is not started "always on": it
     // has to wait for the switch.
-    program_ = std::make_unique<ChildProcess>(
-        ChildProcess::Spec{.argv = {HG_DESKTOP_PROGRAM},
-                           .environment = {"HUSHGREMLIN_APP_IDENTITIES=us.zoom.xos=hg-fixture-app",
-                                           "QT_QPA_PLATFORM=xcb"},
-                           .stderrPath = session_->scratchDir() + "/hushgremlin.log",
-                           .pipeStdout = true});
+    program_ = std::make_unique<ChildProcess>(ChildProcess::Spec{
+        .argv = {HG_DESKTOP_PROGRAM},
+        .environment = {"HUSHGREMLIN_APP_IDENTITIES=us.zoom.xos=" + zoom->processName(),
+                        "QT_QPA_PLATFORM=xcb"},
+        .stderrPath = session_->scratchDir() + "/hushgremlin.log",
+        .pipeStdout = true});
     ChildProcess& program = *program_;
     ASSERT_TRUE(program.waitForLine("GOT AX:  false", patience));
 

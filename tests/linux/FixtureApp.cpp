@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <thread>
+#include <unistd.h>
 
 namespace hg::test {
 
@@ -30,8 +31,17 @@ std::unique_ptr<FixtureApp> FixtureApp::start(AtspiAccessibility& ax, std::strin
         whyNot = DesktopSession::skipReason();
         return nullptr;
     }
+    // At most 15 bytes, the length the kernel keeps of a process name.
+    static int started = 0;
+    const std::string name =
+        "hgfx" + std::to_string(::getpid()) + "-" + std::to_string(++started % 100);
+    const std::string link = session->scratchDir() + "/" + name;
+    if (::symlink(HG_FIXTURE_APP, link.c_str()) != 0) {
+        whyNot = "no link to the fixture application could be made in " + session->scratchDir();
+        return nullptr;
+    }
     auto process = std::make_unique<ChildProcess>(ChildProcess::Spec{
-        .argv = {HG_FIXTURE_APP},
+        .argv = {link},
         .environment = {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1", "QT_QPA_PLATFORM=xcb"},
         .stderrPath = session->scratchDir() + "/fixture.log",
         .pipeStdin = true,
@@ -54,7 +64,7 @@ std::unique_ptr<FixtureApp> FixtureApp::start(AtspiAccessibility& ax, std::strin
         }
         std::this_thread::sleep_for(50ms);
     }
-    return std::unique_ptr<FixtureApp>(new FixtureApp(std::move(process)));
+    return std::unique_ptr<FixtureApp>(new FixtureApp(std::move(process), name));
 }
 
 std::string FixtureApp::command(const std::string& text) {

@@ -12,7 +12,9 @@ class AtspiAccessibility;
 namespace hg::test {
 
 // The fixture meeting application (hg-fixture-app) running on the private
-// desktop with its accessibility tree exported.
+// desktop with its accessibility tree exported. It runs under a process name
+// of its own (a link to the program), so that the running applications of one
+// test never include another test's fixture.
 class FixtureApp {
 public:
     // Starts it and waits until its menu bar can be read through `ax`. Null,
@@ -20,6 +22,8 @@ public:
     static std::unique_ptr<FixtureApp> start(AtspiAccessibility& ax, std::string& whyNot);
 
     [[nodiscard]] pid_t pid() const { return process_->pid(); }
+    // Its process name, as /proc/PID/comm shows it.
+    [[nodiscard]] const std::string& processName() const { return processName_; }
 
     // Sends a command and returns the state afterwards ("muted", ...).
     std::string command(const std::string& text);
@@ -32,9 +36,11 @@ public:
     void signal(int number) { process_->signal(number); }
 
 private:
-    explicit FixtureApp(std::unique_ptr<ChildProcess> process) : process_(std::move(process)) {}
+    FixtureApp(std::unique_ptr<ChildProcess> process, std::string processName)
+        : process_(std::move(process)), processName_(std::move(processName)) {}
 
     std::unique_ptr<ChildProcess> process_;
+    std::string processName_;
 };
 
 } // namespace hg::test
