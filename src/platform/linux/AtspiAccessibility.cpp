@@ -5,6 +5,8 @@
 #include "platform/linux/AtspiReplies.hpp"
 #include "platform/linux/AtspiRoles.hpp"
 
+#include <algorithm>
+
 namespace hg {
 
 namespace {
@@ -107,12 +109,21 @@ AXError AtspiAccessibility::roleNumber(const QString& service, const QString& pa
     return ax::success;
 }
 
+void AtspiAccessibility::forgetUnregistered(const std::vector<AtspiObjectRef>& applications) {
+    std::erase_if(processes_, [&applications](const auto& entry) {
+        return std::none_of(
+            applications.begin(), applications.end(),
+            [&entry](const AtspiObjectRef& app) { return app.service == entry.first; });
+    });
+}
+
 AXElementRef AtspiAccessibility::createApplication(ProcessId pid) {
     std::vector<AtspiObjectRef> applications;
     if (const AXError code = childRefs(registryService, rootPath, applications);
         code != ax::success) {
         return AtspiElement::dead(code);
     }
+    forgetUnregistered(applications);
     for (const auto& application : applications) {
         if (processOf(application.service) == pid) {
             return std::make_shared<AtspiElement>(application.service, application.path,
@@ -128,6 +139,7 @@ std::vector<ProcessId> AtspiAccessibility::registeredProcessIds() {
     if (childRefs(registryService, rootPath, applications) != ax::success) {
         return pids;
     }
+    forgetUnregistered(applications);
     for (const auto& application : applications) {
         if (const auto pid = processOf(application.service)) {
             pids.push_back(*pid);

@@ -70,6 +70,8 @@ private:
                       std::vector<AtspiObjectRef>& out);
     AXError roleNumber(const QString& service, const QString& path, std::uint32_t& out);
     std::optional<ProcessId> processOf(const QString& service);
+    // Drops the remembered processes of applications no longer registered.
+    void forgetUnregistered(const std::vector<AtspiObjectRef>& applications);
 
     AtspiBus bus_;
     bool alwaysOn_;

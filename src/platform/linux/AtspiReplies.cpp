@@ -9,18 +9,20 @@ namespace {
 
 const QString nullObjectPath = QStringLiteral("/org/a11y/atspi/null");
 
-const QDBusArgument* asArgument(const QVariant& argument) {
+// The marshalled value of a reply argument of a composite D-Bus type; none
+// for a plain value.
+std::optional<QDBusArgument> asArgument(const QVariant& argument) {
     if (argument.typeId() != qMetaTypeId<QDBusArgument>()) {
-        return nullptr;
+        return std::nullopt;
     }
-    return static_cast<const QDBusArgument*>(argument.constData());
+    return argument.value<QDBusArgument>();
 }
 
 } // namespace
 
 std::optional<QList<AtspiObjectRef>> readObjectRefs(const QVariant& argument) {
-    const QDBusArgument* arg = asArgument(argument);
-    if (arg == nullptr || arg->currentSignature() != QLatin1String("a(so)")) {
+    const auto arg = asArgument(argument);
+    if (!arg || arg->currentSignature() != QLatin1String("a(so)")) {
         return std::nullopt;
     }
     QList<AtspiObjectRef> refs;
@@ -41,8 +43,8 @@ std::optional<QList<AtspiObjectRef>> readObjectRefs(const QVariant& argument) {
 }
 
 std::optional<QList<std::uint32_t>> readStateWords(const QVariant& argument) {
-    const QDBusArgument* arg = asArgument(argument);
-    if (arg == nullptr || arg->currentSignature() != QLatin1String("au")) {
+    const auto arg = asArgument(argument);
+    if (!arg || arg->currentSignature() != QLatin1String("au")) {
         return std::nullopt;
     }
     QList<std::uint32_t> words;
@@ -57,8 +59,8 @@ std::optional<QList<std::uint32_t>> readStateWords(const QVariant& argument) {
 }
 
 std::optional<int> readActionCount(const QVariant& argument) {
-    const QDBusArgument* arg = asArgument(argument);
-    if (arg == nullptr || arg->currentSignature() != QLatin1String("a(sss)")) {
+    const auto arg = asArgument(argument);
+    if (!arg || arg->currentSignature() != QLatin1String("a(sss)")) {
         return std::nullopt;
     }
     int count = 0;
