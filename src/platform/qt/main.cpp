@@ -26,7 +26,7 @@ int main(int argc, char* argv[]) {
     QCoreApplication::setOrganizationDomain(QStringLiteral("hushgremlin.app"));
     QCoreApplication::setApplicationName(QStringLiteral("HushGremlin"));
     QCoreApplication::setApplicationVersion(QStringLiteral(HG_VERSION));
-    QApplication::setApplicationDisplayName(QStringLiteral("Hush Gremlin"));
+    // No display name: on X11 Qt would append it to every window title.
     QApplication::setWindowIcon(hg::views::namedIcon("AppIcon"));
     // A tray program: closing its last window does not end it.
     QApplication::setQuitOnLastWindowClosed(false);
