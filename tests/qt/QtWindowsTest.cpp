@@ -74,7 +74,7 @@ private slots:
         QVERIFY(prefs);
         QVERIFY(prefs->isVisible());
         QCOMPARE(prefs->windowTitle(), QStringLiteral("Hush Gremlin Preferences"));
-        // Not resizable: a fixed size at least as large as the spec's.
+        // Not resizable: a fixed size at least as large as its WindowSpec's.
         QCOMPARE(prefs->minimumSize(), prefs->maximumSize());
         QVERIFY(prefs->width() >= 300 && prefs->height() >= 200);
         const Qt::WindowFlags flags = prefs->windowFlags();

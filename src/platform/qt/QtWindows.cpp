@@ -114,7 +114,7 @@ WindowId QtWindows::create(WindowSpec spec) {
     layout->activate();
 
     // The content decides the least size it can be shown at; a smaller size
-    // in the spec would clip it.
+    // in the WindowSpec would clip it.
     const QSize size =
         QSize(spec.contentWidth, spec.contentHeight).expandedTo(window->minimumSizeHint());
     if ((spec.styleMask & windowstyle::resizable) != 0) {

@@ -13,7 +13,7 @@ namespace hg {
 class QtApplication;
 
 // The application's windows as top-level widgets. Each window is built once,
-// centred on the screen, with the size, title and buttons its spec asks for;
+// centred on the screen, with the size, title and buttons its WindowSpec asks for;
 // closing only hides it. Its frame is kept in the settings under the window's
 // autosave name and restored the next time the window is built. The floating
 // panel stays above other windows and does not take the focus when shown.
