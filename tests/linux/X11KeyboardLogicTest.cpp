@@ -185,6 +185,8 @@ TEST(X11KeyTranslator, RawReleasesCarryTheFlagsOfTheKeysStillDown) {
     EXPECT_EQ(left->flags, modifier::control | modifier::option) << "right control still down";
 
     EXPECT_FALSE(t.release(controlL, 1)) << "the same release reported twice";
+    t.rawPress(controlL);
+    EXPECT_TRUE(t.release(controlL, 1)) << "pressed and released again within a millisecond";
 
     auto right = t.release(controlR, 2);
     ASSERT_TRUE(right);

@@ -81,6 +81,8 @@ bool X11EventTap::install(Callback callback) {
     xcb_discard_reply(connection, flags.sequence);
 
     callback_ = std::move(callback);
+    // Keys held while no tap was installed are unknown; forget what was.
+    translator_ = X11KeyTranslator{};
     installed_ = true;
     enabled_ = true;
     QCoreApplication::instance()->installNativeEventFilter(this);

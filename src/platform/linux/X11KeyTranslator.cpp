@@ -3,8 +3,6 @@
 #include "hotkey/ModifierKeys.hpp"
 #include "platform/linux/KeyCodeTable.hpp"
 
-#include <algorithm>
-
 namespace hg {
 
 namespace {
@@ -82,13 +80,13 @@ void X11KeyTranslator::rawPress(std::uint8_t keyCode) {
 }
 
 std::optional<TapEvent> X11KeyTranslator::release(std::uint8_t keyCode, std::uint32_t time) {
-    const std::pair<std::uint8_t, std::uint32_t> report{keyCode, time};
-    if (std::find(recentReleases_.begin(), recentReleases_.end(), report) !=
-        recentReleases_.end()) {
+    // The same release may come twice: raw and core, or raw twice. A key
+    // pressed again since has been seen going down in between.
+    if (!down_[keyCode] && released_[keyCode] && lastRelease_[keyCode] == time) {
         return std::nullopt;
     }
-    recentReleases_[nextRelease_] = report;
-    nextRelease_ = (nextRelease_ + 1) % recentReleases_.size();
+    released_.set(keyCode);
+    lastRelease_[keyCode] = time;
     down_.reset(keyCode);
     caught_.reset(keyCode);
     const auto mac = macKeyCode(keyCode);

@@ -33,8 +33,8 @@ public:
     void rawPress(std::uint8_t keyCode);
 
     // A release of any key, raw or core. Nothing for keys without a macOS
-    // counterpart and for another report of a release already seen (same key,
-    // same time).
+    // counterpart and for another report of the release just seen (same key,
+    // same time, no press in between).
     [[nodiscard]] std::optional<TapEvent> release(std::uint8_t keyCode, std::uint32_t time);
 
     // The macOS key code that reports this key: modifier keys by the role the
@@ -48,8 +48,8 @@ private:
     X11KeyRoles roles_;
     std::bitset<256> down_;
     std::bitset<256> caught_;
-    std::array<std::pair<std::uint8_t, std::uint32_t>, 4> recentReleases_{};
-    std::size_t nextRelease_ = 0;
+    std::bitset<256> released_;
+    std::array<std::uint32_t, 256> lastRelease_{};
 };
 
 } // namespace hg

@@ -60,6 +60,8 @@ XkbKeyboardLayout::XkbKeyboardLayout(const std::string& rules, const std::string
     if (fixed_->context == nullptr) {
         return;
     }
+    // A layout that cannot be built is answered by hasKeymap(), not on stderr.
+    xkb_context_set_log_level(fixed_->context, XKB_LOG_LEVEL_CRITICAL);
     const xkb_rule_names names{rules.c_str(), model.c_str(), layout.c_str(), variant.c_str(),
                                options.c_str()};
     fixed_->keymap =
