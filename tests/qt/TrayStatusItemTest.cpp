@@ -59,7 +59,11 @@ struct Fixture {
                            }};
 
     void open() { tray.menu().popup(QPoint(10, 10)); }
-    void close() { tray.menu().hide(); }
+    // Hides the menu and lets the close be handled.
+    void close() {
+        tray.menu().hide();
+        QCoreApplication::processEvents();
+    }
 };
 
 } // namespace
@@ -202,6 +206,35 @@ private slots:
         actionTitled(f.tray.menu(), QStringLiteral("Quit"))->trigger();
         QCOMPARE(f.called, (QStringList{"debugView", "toggle", "prefs", "quit"}));
         f.close();
+    }
+
+    void theDebugRowCanBeChosenInTheMenuItself() {
+        // The menu hides before the chosen row fires, and the close takes the
+        // debug row away: the row must still fire.
+        Fixture f;
+        f.held = Qt::AltModifier;
+        f.open();
+        QTest::keyClick(&f.tray.menu(), Qt::Key_Down); // the first enabled row
+        QTest::keyClick(&f.tray.menu(), Qt::Key_Return);
+        QCOMPARE(f.called, QStringList{QStringLiteral("debugView")});
+        QCoreApplication::processEvents();
+        QVERIFY(!f.tray.isMenuOpen());
+        QVERIFY(!actionTitled(f.tray.menu(), QStringLiteral("Show Debug View")));
+    }
+
+    void reopeningBeforeTheCloseIsHandledPairsThem() {
+        Fixture f;
+        f.held = Qt::AltModifier;
+        f.open();
+        f.tray.menu().hide();
+        f.held = Qt::NoModifier;
+        f.open(); // at once, before the event loop ran
+        QVERIFY(f.tray.isMenuOpen());
+        QVERIFY(!actionTitled(f.tray.menu(), QStringLiteral("Show Debug View")));
+        QCoreApplication::processEvents();
+        QVERIFY(f.tray.isMenuOpen()); // the stale close does not close this opening
+        f.close();
+        QVERIFY(!f.tray.isMenuOpen());
     }
 
     void redRowsAreDrawnInRed() {

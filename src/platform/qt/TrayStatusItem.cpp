@@ -87,6 +87,12 @@ void TrayStatusItem::setHandler(StatusItemHandler* handler) {
 }
 
 void TrayStatusItem::menuAboutToShow() {
+    // Reopened before the last close was handled: finish that one first, so
+    // every opening is paired with its close.
+    if (open_ && !opening_) {
+        closeMenu();
+    }
+    ++openings_;
     // Some tray hosts report an opening twice; the handler copes with that.
     opening_ = true;
     open_ = true;
@@ -97,7 +103,15 @@ void TrayStatusItem::menuAboutToShow() {
 }
 
 void TrayStatusItem::menuAboutToHide() {
-    closeMenu();
+    // A chosen row's action fires only after its menu has hidden, and the
+    // close takes rows away (the debug row): a row removed now would never
+    // fire. So the close waits for the next turn of the event loop, unless the
+    // choice arrives first and handles it.
+    QTimer::singleShot(0, this, [this, opening = openings_] {
+        if (opening == openings_) {
+            closeMenu();
+        }
+    });
 }
 
 void TrayStatusItem::closeMenu() {

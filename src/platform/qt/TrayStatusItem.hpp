@@ -8,6 +8,7 @@
 #include <QMenu>
 #include <QObject>
 #include <QSystemTrayIcon>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -21,7 +22,9 @@ namespace hg {
 // differs, and never while the menu is open: the latest model waits and is
 // applied when the menu closes. A model set while the menu is about to open
 // (the handler's menuWillOpen) is applied at once, so that it is the one that
-// opens. Main thread only.
+// opens. The close is reported on the event-loop turn after the menu hides
+// (or at once when a row is chosen), so that the chosen row still exists when
+// its action fires. Main thread only.
 class TrayStatusItem final : public QObject, public StatusItem {
     Q_OBJECT
 
@@ -64,6 +67,7 @@ private:
     std::optional<MenuModel> pending_;
     std::string imageName_;
     std::function<void()> shownCallback_;
+    std::uint64_t openings_ = 0;
     bool opening_ = false;
     bool open_ = false;
     bool shown_ = false;
