@@ -37,8 +37,11 @@ namespace hg {
 // What X11 cannot do, compared with a real tap:
 //   - Only presses of the grabbed combinations can be removed. Releases come
 //     from raw events, which are copies: the release of the shortcut's key
-//     still reaches the focused window (a release without its press, which
-//     applications ignore), and "remove" on a release has no effect.
+//     normally still reaches the focused window (a release without its
+//     press, which applications ignore), and "remove" on a release has no
+//     effect.
+//   - The raw report of a release made while our grab freezes the keyboard
+//     can go missing; the core release that then comes to us stands in.
 //   - Keys outside the grabs are never delivered as presses; the callback
 //     sees their releases only. Nothing the monitor would match is lost: a
 //     press it could match is always one of the grabbed combinations.
