@@ -2,6 +2,8 @@
 // monitor's translation and consumption of keys, and the timers.
 #include "core/UserPrefs.hpp"
 #include "hotkey/Hotkey.hpp"
+#include "platform/fake/FakeClock.hpp"
+#include "platform/qt/BriefRunningApplicationsCache.hpp"
 #include "platform/qt/QtLocalKeyMonitor.hpp"
 #include "platform/qt/QtTimers.hpp"
 #include "platform/qt/QtUserDefaults.hpp"
@@ -195,6 +197,27 @@ private slots:
         QTest::keyClick(&field, Qt::Key_D);
         QCOMPARE(field.text(), QStringLiteral("bd"));
         QCOMPARE(seen.size(), std::size_t{3});
+    }
+
+    void runningApplicationsAreListedOncePerMoment() {
+        struct Counting final : RunningApplications {
+            mutable int listings = 0;
+            std::vector<RunningApplication> runningApplications() const override {
+                ++listings;
+                return {RunningApplication{"us.zoom.xos", ProcessId{100 + listings}}};
+            }
+        } inner;
+        FakeClock clock;
+        const BriefRunningApplicationsCache cache(inner, clock, std::chrono::milliseconds(100));
+        QCOMPARE(cache.runningApplications().front().pid, ProcessId{101});
+        clock.advance(std::chrono::milliseconds(100));
+        QCOMPARE(cache.runningApplications().front().pid, ProcessId{101});
+        QCOMPARE(inner.listings, 1);
+        clock.advance(std::chrono::milliseconds(1));
+        QCOMPARE(cache.runningApplications().front().pid, ProcessId{102});
+        // A clock set back does not keep an old listing alive.
+        clock.advance(-std::chrono::seconds(5));
+        QCOMPARE(cache.runningApplications().front().pid, ProcessId{103});
     }
 
     void timersRepeatUntilCancelledFromTheirOwnTick() {

@@ -9,6 +9,7 @@
 #include "platform/posix/PosixFileSystem.hpp"
 #include "platform/posix/PosixProcessRunner.hpp"
 #include "platform/qt/AppcastUpdater.hpp"
+#include "platform/qt/BriefRunningApplicationsCache.hpp"
 #include "platform/qt/MessageBoxUpdateAnswers.hpp"
 #include "platform/qt/QtApplication.hpp"
 #include "platform/qt/QtLocalKeyMonitor.hpp"
@@ -78,6 +79,8 @@ struct DesktopPlatform::Backends {
     FakeAccessibility accessibility; // untrusted: no backend yet
     FakeRunningApplications runningApplications;
 #endif
+    BriefRunningApplicationsCache recentApplications{runningApplications, clock,
+                                                     std::chrono::milliseconds(100)};
     PosixFileSystem fileSystem;
     PosixProcessRunner processRunner;
 #if defined(__linux__)
@@ -104,7 +107,7 @@ DesktopPlatform::DesktopPlatform() : backends_(std::make_unique<Backends>()) {
     Backends& b = *backends_;
     platform_ = std::make_unique<Platform>(
         Platform{b.clock, b.timers, b.out, b.defaults, b.statusItem, b.windows, b.application,
-                 b.accessibility, b.runningApplications, b.fileSystem, b.processRunner, b.eventTap,
+                 b.accessibility, b.recentApplications, b.fileSystem, b.processRunner, b.eventTap,
                  b.keyboardLayout, b.localKeyMonitor, b.loginItems, b.unifiedLog, b.updater});
 }
 
