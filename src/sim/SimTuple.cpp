@@ -19,7 +19,10 @@ SimTuple::SimTuple(std::string cliPath, FakeRunningApplications& applications,
 }
 
 void SimTuple::start(ProcessId pid) {
-    stop();
+    // A restart ends the call; a call set up before the first start stands.
+    if (pid_) {
+        stop();
+    }
     pid_ = pid;
     applications_.add(std::string(bundleID), pid);
 }
