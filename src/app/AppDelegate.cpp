@@ -160,7 +160,7 @@ void AppDelegate::showAXSetupWindow() {
             }
         }};
         axSetupWindow_ =
-            platform_.windows.create(windowtable::accessibilitySetup.spec(std::move(content)));
+            platform_.windows.create(windowtable::accessibilitySetup.description(std::move(content)));
     }
     bringForward(*axSetupWindow_);
 }
@@ -178,9 +178,9 @@ void AppDelegate::showSetupWindow(MeetingApp& app) {
                 windows.close(*id);
             }
         })};
-        auto spec = windowtable::appSetup.spec(std::move(content), app.setupWindowTitle());
-        spec.frameAutosaveName = name + std::string(windowtable::appSetupAutosaveSuffix);
-        *id = platform_.windows.create(std::move(spec));
+        auto description = windowtable::appSetup.description(std::move(content), app.setupWindowTitle());
+        description.frameAutosaveName = name + std::string(windowtable::appSetupAutosaveSuffix);
+        *id = platform_.windows.create(std::move(description));
         it = setupWindows_.emplace(name, *id).first;
     }
     bringForward(it->second);
@@ -202,7 +202,7 @@ void AppDelegate::showPrefsWindow() {
                                            (*self)->showAboutWindow();
                                        }
                                    }};
-        prefsWindow_ = platform_.windows.create(windowtable::preferences.spec(std::move(content)));
+        prefsWindow_ = platform_.windows.create(windowtable::preferences.description(std::move(content)));
     }
     bringForward(*prefsWindow_);
 }
@@ -210,7 +210,7 @@ void AppDelegate::showPrefsWindow() {
 void AppDelegate::showAboutWindow() {
     if (!aboutWindow_) {
         aboutWindow_ =
-            platform_.windows.create(windowtable::about.spec(AboutContent{applicationVersion()}));
+            platform_.windows.create(windowtable::about.description(AboutContent{applicationVersion()}));
     }
     bringForward(*aboutWindow_);
 }
@@ -218,7 +218,7 @@ void AppDelegate::showAboutWindow() {
 void AppDelegate::showDebugWindow() {
     if (!debugWindow_) {
         debugWindow_ =
-            platform_.windows.create(windowtable::debug.spec(DebugContent{userData_.get()}));
+            platform_.windows.create(windowtable::debug.description(DebugContent{userData_.get()}));
     }
     bringForward(*debugWindow_, false);
 }

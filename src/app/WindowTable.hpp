@@ -19,8 +19,8 @@ struct WindowRow {
     std::string_view autosaveName;
     bool panel = false;
 
-    // A spec for this row; `windowTitle` replaces the row's own when given.
-    [[nodiscard]] WindowSpec spec(WindowContent content,
+    // A description for this row; `windowTitle` replaces the row's own when given.
+    [[nodiscard]] WindowSpec description(WindowContent content,
                                   std::optional<std::string> windowTitle = std::nullopt) const {
         WindowSpec s;
         if (windowTitle) {

@@ -66,7 +66,7 @@ public:
     virtual ~Windows() = default;
 
     // Builds a window, centred, hidden. Never fails; the id is never 0.
-    virtual WindowId create(WindowSpec spec) = 0;
+    virtual WindowId create(WindowSpec description) = 0;
 
     // Shows the window and brings it to the front (without activating the
     // application, which is the caller's business).

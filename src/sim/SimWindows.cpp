@@ -43,7 +43,7 @@ std::function<void()> buttonAction(const WindowContent& content, std::string_vie
 } // namespace
 
 std::string SimWindows::titleOf(const FakeWindows::Window& window) {
-    return window.spec.title.value_or(std::string(debugTitle));
+    return window.description.title.value_or(std::string(debugTitle));
 }
 
 const FakeWindows::Window* SimWindows::shown(std::string_view title) const {
@@ -58,7 +58,7 @@ bool SimWindows::press(std::string_view title, std::string_view button) {
     if (window == nullptr) {
         return false;
     }
-    const auto action = buttonAction(window->spec.content, button);
+    const auto action = buttonAction(window->description.content, button);
     if (!action) {
         return false;
     }
@@ -69,7 +69,7 @@ bool SimWindows::press(std::string_view title, std::string_view button) {
 bool SimWindows::toggle(std::string_view title, std::string_view label, bool on) {
     const auto* window = shown(title);
     const auto* prefs =
-        window != nullptr ? std::get_if<PreferencesContent>(&window->spec.content) : nullptr;
+        window != nullptr ? std::get_if<PreferencesContent>(&window->description.content) : nullptr;
     if (prefs == nullptr) {
         return false;
     }
@@ -103,7 +103,7 @@ bool SimWindows::close(std::string_view title) {
         return false;
     }
     HotkeyRecorder* recorder = nullptr;
-    if (const auto* prefs = std::get_if<PreferencesContent>(&window->spec.content)) {
+    if (const auto* prefs = std::get_if<PreferencesContent>(&window->description.content)) {
         recorder = prefs->recorder;
     }
     windows_.close(window->id);
@@ -116,7 +116,7 @@ bool SimWindows::close(std::string_view title) {
 bool SimWindows::clickRecorder() {
     for (const WindowId id : windows_.frontOrder()) {
         const auto* window = windows_.find(id);
-        const auto* prefs = std::get_if<PreferencesContent>(&window->spec.content);
+        const auto* prefs = std::get_if<PreferencesContent>(&window->description.content);
         if (prefs != nullptr && prefs->recorder != nullptr) {
             prefs->recorder->click();
             return true;
@@ -127,7 +127,7 @@ bool SimWindows::clickRecorder() {
 
 void SimWindows::traceRecorder() {
     for (const auto& window : windows_.windows()) {
-        const auto* prefs = std::get_if<PreferencesContent>(&window.spec.content);
+        const auto* prefs = std::get_if<PreferencesContent>(&window.description.content);
         if (prefs == nullptr || prefs->recorder == nullptr) {
             continue;
         }

@@ -152,20 +152,20 @@ TEST_F(AppDelegateTest, EveryWindowFollowsTheWindowTable) {
     };
     ASSERT_EQ(windows.windows().size(), expected.size());
     for (std::size_t i = 0; i < expected.size(); ++i) {
-        const auto& spec = windows.windows()[i].spec;
-        EXPECT_EQ(spec.title, expected[i].title) << i;
-        EXPECT_EQ(spec.contentWidth, expected[i].width) << i;
-        EXPECT_EQ(spec.contentHeight, expected[i].height) << i;
-        EXPECT_EQ(spec.styleMask, expected[i].style) << i;
-        EXPECT_EQ(spec.frameAutosaveName, expected[i].autosave) << i;
-        EXPECT_EQ(spec.panel, expected[i].panel) << i;
+        const auto& description = windows.windows()[i].description;
+        EXPECT_EQ(description.title, expected[i].title) << i;
+        EXPECT_EQ(description.contentWidth, expected[i].width) << i;
+        EXPECT_EQ(description.contentHeight, expected[i].height) << i;
+        EXPECT_EQ(description.styleMask, expected[i].style) << i;
+        EXPECT_EQ(description.frameAutosaveName, expected[i].autosave) << i;
+        EXPECT_EQ(description.panel, expected[i].panel) << i;
     }
-    EXPECT_EQ(std::get<AppSetupContent>(windows.windows()[1].spec.content).view.kind,
+    EXPECT_EQ(std::get<AppSetupContent>(windows.windows()[1].description.content).view.kind,
               SetupView::Kind::tupleCLI);
-    EXPECT_EQ(std::get<AppSetupContent>(windows.windows()[2].spec.content).view.kind,
+    EXPECT_EQ(std::get<AppSetupContent>(windows.windows()[2].description.content).view.kind,
               SetupView::Kind::empty);
-    EXPECT_EQ(std::get<AboutContent>(windows.windows()[4].spec.content).version, HG_VERSION);
-    EXPECT_EQ(std::get<DebugContent>(windows.windows()[5].spec.content).userData, app.userData());
+    EXPECT_EQ(std::get<AboutContent>(windows.windows()[4].description.content).version, HG_VERSION);
+    EXPECT_EQ(std::get<DebugContent>(windows.windows()[5].description.content).userData, app.userData());
     // All but the debug panel bring the application forward first.
     EXPECT_EQ(application.activationCount(), 5);
 }
@@ -197,7 +197,7 @@ TEST_F(AppDelegateTest, WindowsAreBuiltOnceAndBroughtForwardAgain) {
 TEST_F(AppDelegateTest, PreferencesContentIsWiredToTheUpdaterAndTheAboutWindow) {
     launch(true);
     app.showPrefsWindow();
-    const auto content = std::get<PreferencesContent>(window(app.prefsWindow()).spec.content);
+    const auto content = std::get<PreferencesContent>(window(app.prefsWindow()).description.content);
     EXPECT_EQ(content.prefs, app.userPrefs());
     EXPECT_EQ(content.recorder, app.hotkeyRecorder());
     EXPECT_EQ(content.launchAtLogin, app.launchAtLogin());
@@ -213,7 +213,7 @@ TEST_F(AppDelegateTest, PreferencesContentIsWiredToTheUpdaterAndTheAboutWindow) 
 TEST_F(AppDelegateTest, TheAccessibilityButtonPromptsThenClosesTheWindow) {
     launch(false);
     const auto content =
-        std::get<AccessibilitySetupContent>(window(app.axSetupWindow()).spec.content);
+        std::get<AccessibilitySetupContent>(window(app.axSetupWindow()).description.content);
     content.promptAction();
     EXPECT_EQ(accessibility.promptCount(), 1);
     EXPECT_FALSE(window(app.axSetupWindow()).shown);
@@ -224,7 +224,7 @@ TEST_F(AppDelegateTest, TheSetupWindowsCloseActionClosesItsOwnWindow) {
     startTupleWithoutTool();
     app.showSetupWindow(*app.meetingApps()[1]);
     const WindowId id = app.setupWindows().at("Tuple");
-    std::get<AppSetupContent>(window(id).spec.content).view.closeAction();
+    std::get<AppSetupContent>(window(id).description.content).view.closeAction();
     EXPECT_FALSE(window(id).shown);
 }
 
@@ -236,7 +236,7 @@ TEST_F(AppDelegateTest, TheSetupRowOpensWhatIsMissing) {
     startTupleWithoutTool();
     app.handleAXError();
     ASSERT_EQ(windows.frontOrder().size(), 1U);
-    EXPECT_EQ(window(windows.frontOrder().front()).spec.title, "HushGremlin - Tuple CLI");
+    EXPECT_EQ(window(windows.frontOrder().front()).description.title, "HushGremlin - Tuple CLI");
 
     accessibility.setTrusted(false); // trust comes first, whatever else is missing
     app.handleAXError();

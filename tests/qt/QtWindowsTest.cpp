@@ -140,11 +140,11 @@ private slots:
         QTemporaryDir dir;
         QSettings frames(dir.filePath(QStringLiteral("frames.ini")), QSettings::IniFormat);
         QtApplication application;
-        const auto spec = [] { return windowtable::about.spec(AboutContent{"1.2.3"}); };
+        const auto description = [] { return windowtable::about.description(AboutContent{"1.2.3"}); };
         QRect moved;
         {
             QtWindows windows(frames, application);
-            const WindowId id = windows.create(spec());
+            const WindowId id = windows.create(description());
             windows.makeKeyAndOrderFront(id);
             QWidget* window = windows.window(id);
             QVERIFY(QTest::qWaitForWindowExposed(window));
@@ -154,7 +154,7 @@ private slots:
             QVERIFY(frames.contains(QStringLiteral("WindowFrames/HG About")));
         }
         QtWindows again(frames, application);
-        const WindowId id = again.create(spec());
+        const WindowId id = again.create(description());
         QCOMPARE(again.window(id)->geometry(), moved);
     }
 };

@@ -4,9 +4,9 @@
 
 namespace hg {
 
-WindowId FakeWindows::create(WindowSpec spec) {
+WindowId FakeWindows::create(WindowSpec description) {
     const WindowId id = windows_.size() + 1;
-    windows_.push_back(Window{id, std::move(spec), false, 0});
+    windows_.push_back(Window{id, std::move(description), false, 0});
     return id;
 }
 
@@ -27,7 +27,7 @@ FakeWindows::Window* FakeWindows::find(WindowId id) {
 const FakeWindows::Window* FakeWindows::findShown(const std::optional<std::string>& title) const {
     for (const WindowId id : front_) {
         const Window* window = find(id);
-        if (window != nullptr && window->spec.title == title) {
+        if (window != nullptr && window->description.title == title) {
             return window;
         }
     }

@@ -14,12 +14,12 @@ class FakeWindows final : public Windows {
 public:
     struct Window {
         WindowId id = 0;
-        WindowSpec spec;
+        WindowSpec description;
         bool shown = false;
         int frontCount = 0; // how often it was brought to the front
     };
 
-    WindowId create(WindowSpec spec) override;
+    WindowId create(WindowSpec description) override;
     void makeKeyAndOrderFront(WindowId id) override;
     void close(WindowId id) override;
 

@@ -13,8 +13,8 @@ namespace hg {
 
 class QtWindows::HostWindow final : public QWidget {
 public:
-    HostWindow(const WindowSpec& spec, QSettings& frames)
-        : frames_(frames), key_(frameKey(spec.frameAutosaveName)), panel_(spec.panel) {}
+    HostWindow(const WindowSpec& description, QSettings& frames)
+        : frames_(frames), key_(frameKey(description.frameAutosaveName)), panel_(description.panel) {}
 
     [[nodiscard]] bool isPanel() const { return panel_; }
 
@@ -54,21 +54,21 @@ private:
 
 namespace {
 
-Qt::WindowFlags flagsFor(const WindowSpec& spec) {
-    Qt::WindowFlags flags = spec.panel ? (Qt::Tool | Qt::WindowStaysOnTopHint) : Qt::Window;
+Qt::WindowFlags flagsFor(const WindowSpec& description) {
+    Qt::WindowFlags flags = description.panel ? (Qt::Tool | Qt::WindowStaysOnTopHint) : Qt::Window;
     flags |= Qt::CustomizeWindowHint;
-    if ((spec.styleMask & windowstyle::titled) != 0) {
+    if ((description.styleMask & windowstyle::titled) != 0) {
         flags |= Qt::WindowTitleHint;
     } else {
         flags |= Qt::FramelessWindowHint;
     }
-    if ((spec.styleMask & windowstyle::closable) != 0) {
+    if ((description.styleMask & windowstyle::closable) != 0) {
         flags |= Qt::WindowCloseButtonHint;
     }
-    if ((spec.styleMask & windowstyle::miniaturizable) != 0) {
+    if ((description.styleMask & windowstyle::miniaturizable) != 0) {
         flags |= Qt::WindowMinimizeButtonHint;
     }
-    if ((spec.styleMask & windowstyle::resizable) != 0) {
+    if ((description.styleMask & windowstyle::resizable) != 0) {
         flags |= Qt::WindowMaximizeButtonHint;
     }
     return flags;
@@ -100,24 +100,24 @@ QtWindows::~QtWindows() {
     saveFrames();
 }
 
-WindowId QtWindows::create(WindowSpec spec) {
-    auto window = std::make_unique<HostWindow>(spec, frames_);
-    window->setWindowFlags(flagsFor(spec));
-    window->setWindowTitle(spec.title ? QString::fromStdString(*spec.title) : QString());
-    if (spec.panel) {
+WindowId QtWindows::create(WindowSpec description) {
+    auto window = std::make_unique<HostWindow>(description, frames_);
+    window->setWindowFlags(flagsFor(description));
+    window->setWindowTitle(description.title ? QString::fromStdString(*description.title) : QString());
+    if (description.panel) {
         window->setAttribute(Qt::WA_ShowWithoutActivating);
         window->setAttribute(Qt::WA_MacAlwaysShowToolWindow);
     }
     auto* layout = new QVBoxLayout(window.get());
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(views::makeContentView(spec.content, window.get()));
+    layout->addWidget(views::makeContentView(description.content, window.get()));
     layout->activate();
 
     // The content decides the least size it can be shown at; a smaller size
     // in the WindowSpec would clip it.
     const QSize size =
-        QSize(spec.contentWidth, spec.contentHeight).expandedTo(window->minimumSizeHint());
-    if ((spec.styleMask & windowstyle::resizable) != 0) {
+        QSize(description.contentWidth, description.contentHeight).expandedTo(window->minimumSizeHint());
+    if ((description.styleMask & windowstyle::resizable) != 0) {
         window->resize(size);
     } else {
         window->setFixedSize(size);

@@ -30,7 +30,7 @@ public:
     QtWindows(const QtWindows&) = delete;
     QtWindows& operator=(const QtWindows&) = delete;
 
-    WindowId create(WindowSpec spec) override;
+    WindowId create(WindowSpec description) override;
     void makeKeyAndOrderFront(WindowId id) override;
     void close(WindowId id) override;
 

@@ -143,18 +143,18 @@ int main(int argc, char* argv[]) {
     LaunchAtLogin launchAtLogin(loginItems, log);
 
     const std::pair<WindowSpec, const char*> shots[] = {
-        {windowtable::preferences.spec(PreferencesContent{&prefs, &recorder, &launchAtLogin, {}}),
+        {windowtable::preferences.description(PreferencesContent{&prefs, &recorder, &launchAtLogin, {}}),
          "window-preferences.png"},
-        {windowtable::debug.spec(DebugContent{&userData}), "window-debug.png"},
-        {windowtable::accessibilitySetup.spec(AccessibilitySetupContent{{}}),
+        {windowtable::debug.description(DebugContent{&userData}), "window-debug.png"},
+        {windowtable::accessibilitySetup.description(AccessibilitySetupContent{{}}),
          "window-accessibility.png"},
-        {windowtable::appSetup.spec(AppSetupContent{SetupView{SetupView::Kind::tupleCLI, {}}},
+        {windowtable::appSetup.description(AppSetupContent{SetupView{SetupView::Kind::tupleCLI, {}}},
                                     "Tuple Setup"),
          "window-tuple-setup.png"},
-        {windowtable::about.spec(AboutContent{HG_VERSION}), "window-about.png"},
+        {windowtable::about.description(AboutContent{HG_VERSION}), "window-about.png"},
     };
-    for (const auto& [spec, file] : shots) {
-        const WindowId id = windows.create(spec);
+    for (const auto& [description, file] : shots) {
+        const WindowId id = windows.create(description);
         windows.makeKeyAndOrderFront(id);
         QApplication::processEvents();
         ok = save(windows.window(id)->grab(), folder, QString::fromLatin1(file)) && ok;
@@ -163,7 +163,7 @@ int main(int argc, char* argv[]) {
 
     // The shortcut field while recording.
     const WindowId prefsAgain = windows.create(
-        windowtable::preferences.spec(PreferencesContent{&prefs, &recorder, &launchAtLogin, {}}));
+        windowtable::preferences.description(PreferencesContent{&prefs, &recorder, &launchAtLogin, {}}));
     windows.makeKeyAndOrderFront(prefsAgain);
     recorder.startRecording();
     QApplication::processEvents();

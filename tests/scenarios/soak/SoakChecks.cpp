@@ -92,8 +92,8 @@ std::vector<std::string> SoakChecks::check() {
 
     std::set<std::string> autosaveNames;
     for (const auto& window : desktop_.windows.windows()) {
-        if (!autosaveNames.insert(window.spec.frameAutosaveName).second) {
-            problems.push_back("a second window " + window.spec.frameAutosaveName);
+        if (!autosaveNames.insert(window.description.frameAutosaveName).second) {
+            problems.push_back("a second window " + window.description.frameAutosaveName);
         }
     }
     if (desktop_.eventTap.isInstalled() && app->hotkeyMonitor() != nullptr &&
