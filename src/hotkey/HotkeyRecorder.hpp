@@ -36,8 +36,6 @@ public:
     // The shortcut shown when not recording: the stored one at construction,
     // then the last one recorded.
     [[nodiscard]] const Hotkey& hotkey() const { return hotkey_; }
-    // Modifier bits that went down since recording began.
-    [[nodiscard]] std::uint64_t recordedModifiers() const { return recordedModifiers_; }
 
     // "Type shortcut…" while recording, else the shortcut's display string.
     [[nodiscard]] std::string shownText() const;
