@@ -69,7 +69,6 @@ private slots:
         QCOMPARE(fresh.stringForKey("name"), std::optional<std::string>("Grüß, Gremlin"));
         QCOMPARE(Hotkey::load(fresh), shortcut);
         QVERIFY(!fresh.hasObject("gone"));
-        QVERIFY(!fresh.hasObject("never"));
     }
 
     void aDamagedFileReadsAsAbsent() {
@@ -140,12 +139,11 @@ private slots:
             return consume;
         });
         QTest::keyClick(&field, Qt::Key_A);
-        QCOMPARE(field.text(), QString());
-        // Once, though it passed two receivers' filters.
-        QCOMPARE(seen, std::vector<std::uint16_t>{0x00});
         consume = false;
         QTest::keyClick(&field, Qt::Key_B);
         QCOMPARE(field.text(), QStringLiteral("b"));
+        // Once each, though a key passes the filter for its window and for its widget.
+        QCOMPARE(seen, (std::vector<std::uint16_t>{0x00, 0x0B}));
 
         // A handler that removes itself while handling a key.
         monitor.remove(token);
@@ -157,7 +155,7 @@ private slots:
         QTest::keyClick(&field, Qt::Key_C);
         QTest::keyClick(&field, Qt::Key_D);
         QCOMPARE(field.text(), QStringLiteral("bd"));
-        QCOMPARE(seen.size(), std::size_t{3});
+        QCOMPARE(seen, (std::vector<std::uint16_t>{0x00, 0x0B, 0x08}));
     }
 
     void runningApplicationsAreListedOncePerMoment() {

@@ -118,9 +118,6 @@ private slots:
                                         "Preferences...", "---", "Quit"}));
         f.close();
         QVERIFY(!f.hasDebugRow());
-        f.open(Qt::ShiftModifier);
-        QVERIFY(!f.hasDebugRow());
-        f.close();
     }
 
     void openMenuIsNotChangedUntilItCloses() {

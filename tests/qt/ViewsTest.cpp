@@ -132,31 +132,17 @@ private slots:
         auto* field = f.view.findChild<views::HotkeyRecorderControl*>();
         QTest::mouseClick(field, Qt::LeftButton);
         QCOMPARE(f.recorder.shownText(), std::string("Type shortcut\u2026"));
-        // A key without a modifier is not taken; recording goes on.
-        QTest::keyClick(field, Qt::Key_K);
-        QVERIFY(f.recorder.isRecording());
-        QVERIFY(!f.defaults.hasObject(Hotkey::defaultsKey));
         QTest::keyClick(field, Qt::Key_K, Qt::ControlModifier | Qt::ShiftModifier);
         QVERIFY(!f.recorder.isRecording());
         QCOMPARE(Hotkey::load(f.defaults), (Hotkey{40, 0x60000}));
         QCOMPARE(f.recorder.shownText(), std::string("⌃⇧K"));
-
-        // Modifiers alone: taken when one of them is let go.
-        QTest::mouseClick(field, Qt::LeftButton);
-        QTest::keyPress(field, Qt::Key_Control);
-        QTest::keyPress(field, Qt::Key_Alt, Qt::ControlModifier);
-        QVERIFY(f.recorder.isRecording());
-        QTest::keyRelease(field, Qt::Key_Alt, Qt::ControlModifier | Qt::AltModifier);
-        QVERIFY(!f.recorder.isRecording());
-        QCOMPARE(Hotkey::load(f.defaults), (Hotkey{Hotkey::noKey, 0xC0000}));
-        QCOMPARE(f.recorder.shownText(), std::string("⌃⌥"));
 
         // Moving the focus away cancels a recording.
         QTest::mouseClick(field, Qt::LeftButton);
         QVERIFY(field->hasFocus());
         other->setFocus(Qt::MouseFocusReason);
         QVERIFY(!f.recorder.isRecording());
-        QCOMPARE(f.recorder.shownText(), std::string("⌃⌥"));
+        QCOMPARE(f.recorder.shownText(), std::string("⌃⇧K"));
     }
 
     void debugViewShowsTheStore() {
