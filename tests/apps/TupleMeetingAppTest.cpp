@@ -1,6 +1,5 @@
 #include "apps/TupleMeetingApp.hpp"
 
-#include "FixtureDir.hpp"
 #include "platform/fake/BufferLineSink.hpp"
 #include "platform/fake/FakeFileSystem.hpp"
 #include "platform/fake/FakeProcessRunner.hpp"
@@ -8,6 +7,8 @@
 #include "platform/posix/PosixFileSystem.hpp"
 #include "platform/posix/PosixProcessRunner.hpp"
 
+#include <cstdlib>
+#include <filesystem>
 #include <gtest/gtest.h>
 
 namespace hg {
@@ -16,9 +17,12 @@ namespace {
 using Lines = std::vector<std::string>;
 using S = MeetingStatus;
 
+std::string fixture(const std::string& name) {
+    return HG_APPS_FIXTURE_DIR "/" + name;
+}
+
 // Tuple running, its tool one of the fixture scripts, run for real.
 struct RealTuple {
-    FixtureDir fixtures;
     FakeRunningApplications apps;
     PosixFileSystem files;
     PosixProcessRunner runner{std::chrono::milliseconds(400)};
@@ -26,7 +30,7 @@ struct RealTuple {
 
     RealTuple() { apps.add("app.tuple.app", 77); }
     TupleMeetingApp tool(const std::string& script) {
-        return TupleMeetingApp(fixtures.path(script), apps, files, runner, out);
+        return TupleMeetingApp(fixture(script), apps, files, runner, out);
     }
 };
 
@@ -36,24 +40,24 @@ TEST(TupleMeetingApp, FetchReadsTheToolsState) {
         MeetingStatus status;
         Lines printed;
     };
+    const std::string failed = "Tuple CLI 'state --format json' failed: exit=";
     const std::vector<Row> rows = {
         {"state-muted.sh", S::onMute, {}},
         {"state-unmuted.sh", S::offMute, {}},
         {"state-off-warning.sh",
          S::noMeeting,
          {"Tuple CLI 'state --format json' stderr: warning: old tool"}},
-        {"fail-3.sh",
-         S::error,
-         {"Tuple CLI 'state --format json' failed: exit=3 stderr=no call in progress"}},
+        {"fail-3.sh", S::error, {failed + "3 stderr=no call in progress"}},
         {"empty.sh", S::error, {}},
         {"invalid-utf8.sh", S::error, {}},
         {"big-output.sh",
-         S::error,
+         S::noMeeting,
          {"Tuple CLI 'state --format json' stderr: " + std::string(4u << 20, 'e')}},
         {"not-executable.sh", S::error, {"Tuple CLI error: Permission denied"}},
-        {"hang.sh", S::error, {"Tuple CLI 'state --format json' failed: exit=9 stderr=hanging"}},
-        {"hang-closed.sh", S::error, {"Tuple CLI 'state --format json' failed: exit=9 stderr="}},
-        {"signal-self.sh", S::error, {"Tuple CLI 'state --format json' failed: exit=15 stderr="}},
+        {"missing.sh", S::setupError, {}},
+        {"hang.sh", S::error, {failed + "9 stderr=hanging"}},
+        {"hang-closed.sh", S::error, {failed + "9 stderr="}},
+        {"signal-self.sh", S::error, {failed + "15 stderr="}},
     };
     RealTuple t;
     for (const auto& row : rows) {
@@ -63,109 +67,88 @@ TEST(TupleMeetingApp, FetchReadsTheToolsState) {
     }
 }
 
-TEST(TupleMeetingApp, RunCLIGivesOutputOnlyForAnExitStatusOfZeroAndUTF8) {
+TEST(TupleMeetingApp, ToggleRunsTheMatchingCommandEvenWhenTupleIsNotRunning) {
     RealTuple t;
-    auto big = t.tool("big-output.sh");
-    const auto output = big.runCLI({});
-    ASSERT_TRUE(output.has_value());
-    EXPECT_EQ(*output, std::string(4u << 20, 'o'));
-    t.out.clear();
-
-    auto invalid = t.tool("invalid-utf8.sh");
-    EXPECT_EQ(invalid.runCLI({"0"}), std::nullopt);
-    EXPECT_TRUE(t.out.take().empty()) << "standard error that is not UTF-8 is not printed";
-    EXPECT_EQ(invalid.runCLI({"2"}), std::nullopt);
-    EXPECT_EQ(t.out.take(), Lines{"Tuple CLI '2' failed: exit=2 stderr="});
-
-    EXPECT_EQ(t.tool("empty.sh").runCLI({}), std::string()) << "empty output is a result";
-
-    EXPECT_EQ(t.tool("missing.sh").runCLI({"state"}), std::nullopt);
-    EXPECT_EQ(t.out.take(), Lines{"Tuple CLI error: No such file or directory"});
-}
-
-TEST(TupleMeetingApp, ToggleRunsTheMatchingCommand) {
-    RealTuple t;
+    t.apps.clear();
     auto app = t.tool("echo-args.sh");
     EXPECT_EQ(app.toggleMute(S::onMute), S::offMute);
     EXPECT_EQ(t.out.take(),
               (Lines{"Tuple toggleMute: fromStatus=onMute", "Tuple toggleMute: sending 'unmute'",
                      "Tuple CLI 'call unmute' stderr: call unmute"}));
     EXPECT_EQ(app.toggleMute(S::offMute), S::offMute);
-    EXPECT_EQ(t.out.take(),
-              (Lines{"Tuple toggleMute: fromStatus=offMute", "Tuple toggleMute: sending 'mute'",
-                     "Tuple CLI 'call mute' stderr: call mute"}));
+    EXPECT_EQ(t.out.take().back(), "Tuple CLI 'call mute' stderr: call mute");
 
-    t.apps.clear(); // not tested by the toggle
-    auto empty = t.tool("empty.sh");
-    EXPECT_EQ(empty.toggleMute(S::offMute), S::offMute) << "an empty output is success";
-    t.out.clear();
-
-    auto failing = t.tool("fail-3.sh");
-    EXPECT_EQ(failing.toggleMute(S::onMute), S::error);
+    EXPECT_EQ(t.tool("empty.sh").toggleMute(S::offMute), S::offMute) << "empty output is success";
+    EXPECT_EQ(t.tool("fail-3.sh").toggleMute(S::onMute), S::error);
     EXPECT_EQ(t.out.take().back(),
               "Tuple CLI 'call unmute' failed: exit=3 stderr=no call in progress");
-    auto broken = t.tool("not-executable.sh");
-    EXPECT_EQ(broken.toggleMute(S::offMute), S::error);
-    EXPECT_EQ(t.out.take().back(), "Tuple CLI error: Permission denied");
 }
 
-TEST(TupleMeetingApp, ToggleOutsideAMeetingRunsNothing) {
+TEST(TupleMeetingApp, RunCLIGivesNoOutputThatIsNotUTF8) {
+    RealTuple t;
+    auto invalid = t.tool("invalid-utf8.sh");
+    EXPECT_EQ(invalid.runCLI({"0"}), std::nullopt);
+    EXPECT_TRUE(t.out.take().empty()) << "standard error that is not UTF-8 is not printed";
+    EXPECT_EQ(invalid.runCLI({"2"}), std::nullopt);
+    EXPECT_EQ(t.out.take(), Lines{"Tuple CLI '2' failed: exit=2 stderr="});
+}
+
+TEST(PosixProcessRunner, ChildGetsArgumentsEnvironmentAndDirectoryAndKeepsRawBytes) {
+    PosixProcessRunner runner;
+    ::setenv("HG_FIXTURE_PROBE", "probe value", 1);
+    const auto env = runner.run(fixture("echo-env.sh"), {});
+    ::unsetenv("HG_FIXTURE_PROBE");
+    EXPECT_FALSE(env.launchError.has_value());
+    EXPECT_EQ(env.exitStatus, 0);
+    EXPECT_EQ(env.standardOutput, "probe value|" + std::filesystem::current_path().string());
+
+    const auto args = runner.run(fixture("echo-args.sh"), {"a b", "", "'c'", "$HOME"});
+    EXPECT_EQ(args.standardError, "a b  'c' $HOME");
+
+    const auto raw = runner.run(fixture("invalid-utf8.sh"), {"4"});
+    EXPECT_EQ(raw.exitStatus, 4);
+    EXPECT_EQ(raw.standardOutput, "{\"in_call\":false}\xFF");
+    EXPECT_EQ(raw.standardError, "bad \xFF");
+}
+
+// Tuple's tool answering "not in a call", on fakes.
+struct FakeTuple {
     FakeRunningApplications apps;
     FakeFileSystem files;
-    FakeProcessRunner runner;
+    FakeProcessRunner runner{[](const std::string&, const std::vector<std::string>&) {
+        return ProcessResult{std::nullopt, 0, R"({"in_call":false})", ""};
+    }};
     BufferLineSink out;
-    TupleMeetingApp app("/usr/local/bin/tuple", apps, files, runner, out);
+    TupleMeetingApp app{"/usr/local/bin/tuple", apps, files, runner, out};
+};
+
+TEST(TupleMeetingApp, ToggleOutsideAMeetingRunsNothing) {
+    FakeTuple t;
     for (const auto status : {S::notRunning, S::noMeeting, S::setupError, S::error}) {
-        EXPECT_EQ(app.toggleMute(status), status);
-        EXPECT_EQ(out.take(),
+        EXPECT_EQ(t.app.toggleMute(status), status);
+        EXPECT_EQ(t.out.take(),
                   (Lines{"Tuple toggleMute: fromStatus=" + std::string(toString(status)),
                          "Tuple toggleMute: not in mute/unmute state, bailing"}));
     }
-    EXPECT_TRUE(runner.runs().empty());
+    EXPECT_TRUE(t.runner.runs().empty());
 }
 
 TEST(TupleMeetingApp, RunningAndToolTestsComeBeforeTheTool) {
-    FakeRunningApplications apps;
-    FakeFileSystem files;
-    FakeProcessRunner runner([](const std::string&, const std::vector<std::string>&) {
-        return ProcessResult{std::nullopt, 0, R"({"in_call":false})", ""};
-    });
-    BufferLineSink out;
-    TupleMeetingApp app("/usr/local/bin/tuple", apps, files, runner, out);
+    FakeTuple t;
+    t.apps.add("APP.TUPLE.APP", 2);
+    EXPECT_EQ(t.app.fetchStatus(), S::notRunning) << "not running, tool missing";
+    EXPECT_FALSE(t.app.needsSetup());
+    t.apps.add("app.tuple.app", 3);
+    EXPECT_EQ(t.app.fetchStatus(), S::setupError);
+    EXPECT_TRUE(t.app.needsSetup());
+    EXPECT_TRUE(t.runner.runs().empty());
 
-    EXPECT_EQ(app.fetchStatus(), S::notRunning) << "not running, tool missing";
-    EXPECT_FALSE(app.needsSetup());
-    apps.add("com.other", 1);
-    apps.add("APP.TUPLE.APP", 2);
-    EXPECT_EQ(app.fetchStatus(), S::notRunning);
-    apps.add("app.tuple.app", 3);
-    EXPECT_EQ(app.fetchStatus(), S::setupError);
-    EXPECT_TRUE(app.needsSetup());
-    EXPECT_TRUE(runner.runs().empty());
-
-    files.add("/usr/local/bin/tuple");
-    EXPECT_FALSE(app.needsSetup());
-    EXPECT_EQ(app.fetchStatus(), S::noMeeting);
-    ASSERT_EQ(runner.runs().size(), 1u);
-    EXPECT_EQ(runner.runs()[0].executable, "/usr/local/bin/tuple");
-    EXPECT_EQ(runner.runs()[0].arguments, (std::vector<std::string>{"state", "--format", "json"}));
-    EXPECT_TRUE(out.lines().empty());
-}
-
-TEST(TupleMeetingApp, MeetingAppAnswers) {
-    FakeRunningApplications apps;
-    FakeFileSystem files;
-    FakeProcessRunner runner;
-    BufferLineSink out;
-    TupleMeetingApp app("/usr/local/bin/tuple", apps, files, runner, out);
-    EXPECT_EQ(app.name(), "Tuple");
-    EXPECT_EQ(app.setupWindowTitle(), "HushGremlin - Tuple CLI");
-    int closed = 0;
-    const auto view = app.makeSetupView([&] { ++closed; });
-    EXPECT_EQ(view.kind, SetupView::Kind::tupleCLI);
-    ASSERT_TRUE(view.closeAction);
-    view.closeAction();
-    EXPECT_EQ(closed, 1);
+    t.files.add("/usr/local/bin/tuple");
+    EXPECT_FALSE(t.app.needsSetup());
+    EXPECT_EQ(t.app.fetchStatus(), S::noMeeting);
+    EXPECT_EQ(t.runner.argumentLists(),
+              (std::vector<std::vector<std::string>>{{"state", "--format", "json"}}));
+    EXPECT_TRUE(t.out.lines().empty());
 }
 
 } // namespace

@@ -23,33 +23,29 @@ struct ZoomTree {
 
     ZoomTree() {
         application->menuBar = menuBar;
-        addMenu("Apple", {"About This Mac"});
-        addMenu("zoom.us", {"About Zoom", "Quit Zoom"});
-        addMenu("Window", {"Minimize"});
+        menuBar->add(menu("Apple", {"About This Mac"}));
+        menuBar->add(menu("zoom.us", {"About Zoom", "Quit Zoom"}));
+        menuBar->add(menu("Window", {"Minimize"}));
         ax.setTrusted(true);
         ax.setApplication(pid, application);
         apps.add("us.zoom.xos", pid);
     }
 
-    std::shared_ptr<FakeAXElement> addMenu(const std::string& title,
-                                           const std::vector<std::string>& items,
-                                           std::size_t at = SIZE_MAX) {
+    static std::shared_ptr<FakeAXElement> menu(const std::string& title,
+                                               const std::vector<std::string>& items) {
         auto item = FakeAXElement::make("AXMenuBarItem", title);
         auto menu = item->add("AXMenu", title);
         for (const auto& t : items) {
             menu->add("AXMenuItem", t);
         }
-        auto& children = menuBar->children;
-        children.insert(at >= children.size() ? children.end()
-                                              : children.begin() + static_cast<std::ptrdiff_t>(at),
-                        item);
         return item;
     }
 
     // Enters a meeting whose menu holds `muteItems` and then "Start Video".
     void meeting(std::vector<std::string> muteItems, const std::string& title = "Meeting") {
         muteItems.emplace_back("Start Video");
-        meetingItem = addMenu(title, muteItems, 2);
+        meetingItem = menu(title, muteItems);
+        menuBar->children.insert(menuBar->children.begin() + 2, meetingItem);
     }
 
     [[nodiscard]] std::shared_ptr<FakeAXElement> item(const std::string& title) const {
