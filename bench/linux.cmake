@@ -12,12 +12,10 @@ endif()
 if(TARGET hushgremlin_linux)
   pkg_check_modules(HG_XTEST IMPORTED_TARGET xcb-xtest)
 endif()
-if(TARGET PkgConfig::HG_XTEST)
+if(TARGET PkgConfig::HG_XTEST AND TARGET hg_linux_desktop_session)
   hg_add_bench(linux_x11_tap_bench
     SOURCES ${CMAKE_CURRENT_LIST_DIR}/linux/X11TapBench.cpp
-            ${PROJECT_SOURCE_DIR}/tests/linux/XvfbDisplay.cpp
-    LIBS hushgremlin_linux hushgremlin_fake Qt6::Gui PkgConfig::HG_X11_KEYBOARD
-         PkgConfig::HG_XTEST
+    LIBS hg_linux_desktop_session hushgremlin_linux hushgremlin_fake Qt6::Gui
+         PkgConfig::HG_X11_KEYBOARD PkgConfig::HG_XTEST
   )
-  target_include_directories(linux_x11_tap_bench PRIVATE ${PROJECT_SOURCE_DIR}/tests/linux)
 endif()

@@ -3,7 +3,6 @@
 // for one fetchStatus (the watcher's tick) and one toggle of a cached item.
 
 #include "DesktopSession.hpp"
-#include "FixtureApp.hpp"
 #include "apps/ZoomMeetingApp.hpp"
 #include "platform/linux/AtspiAccessibility.hpp"
 #include "platform/linux/ProcRunningApplications.hpp"

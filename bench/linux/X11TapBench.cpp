@@ -4,7 +4,7 @@
 // included) and the consumed press's answer to the server. Runs on a private
 // Xvfb; XTEST comes from a second connection, as xdotool's would.
 
-#include "XvfbDisplay.hpp"
+#include "DesktopSession.hpp"
 #include "hotkey/GlobalHotkeyMonitor.hpp"
 #include "hotkey/ModifierKeys.hpp"
 #include "platform/fake/BufferLineSink.hpp"
@@ -28,7 +28,6 @@ constexpr std::uint8_t superL = 133, controlL = 37, altL = 64, keyK = 45;
 // destroyed: Qt must not be torn down during static destruction, and the
 // server dies with this process.
 struct Rig {
-    test::XvfbDisplay* display = nullptr;
     xcb_connection_t* xtest = nullptr;
     xcb_window_t root = 0;
     FakeUserDefaults defaults;
@@ -56,13 +55,12 @@ Rig* rig(std::string& failure) {
         failure = why;
         return made;
     }
-    auto* display = new test::XvfbDisplay();
-    if (display->name().empty()) {
-        why = display->failure();
+    // The private display; DISPLAY points at it from here on.
+    if (test::DesktopSession::shared() == nullptr) {
+        why = test::DesktopSession::skipReason();
         failure = why;
         return nullptr;
     }
-    setenv("DISPLAY", display->name().c_str(), 1);
     setenv("QT_QPA_PLATFORM", "xcb", 1);
     static int argc = 1;
     static char name[] = "linux_x11_tap_bench";
@@ -70,7 +68,6 @@ Rig* rig(std::string& failure) {
     new QGuiApplication(argc, argv);
 
     made = new Rig();
-    made->display = display;
     made->xtest = xcb_connect(nullptr, nullptr);
     made->root = xcb_setup_roots_iterator(xcb_get_setup(made->xtest)).data->root;
     made->tap = new X11EventTap(made->defaults, made->out);

@@ -1,10 +1,9 @@
 #include "platform/qt/AppcastUpdater.hpp"
 
+#include "DesktopSession.hpp"
 #include "platform/fake/BufferLineSink.hpp"
 #include "platform/qt/AppcastFeed.hpp"
 
-#include <QCoreApplication>
-#include <QElapsedTimer>
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <gtest/gtest.h>
@@ -15,20 +14,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-class QtEnvironment final : public ::testing::Environment {
-public:
-    void SetUp() override { app_ = std::make_unique<QCoreApplication>(argc_, argv_); }
-    void TearDown() override { app_.reset(); }
-
-private:
-    int argc_ = 1;
-    char name_[16] = "hg-update-tests";
-    char* argv_[2] = {name_, nullptr};
-    std::unique_ptr<QCoreApplication> app_;
-};
-
-[[maybe_unused]] const auto* const environment =
-    ::testing::AddGlobalTestEnvironment(new QtEnvironment());
+using test::waitUntil;
 
 // Serves one canned HTTP answer to every request, on loopback.
 class FeedServer {
@@ -79,15 +65,6 @@ struct RecordedAnswers final : UpdateAnswers {
     std::vector<std::string> answers;
     AppcastItem last;
 };
-
-bool waitUntil(const std::function<bool()>& done) {
-    QElapsedTimer timer;
-    timer.start();
-    while (!done() && timer.elapsed() < 10000) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-    }
-    return done();
-}
 
 QByteArray appcast(const QByteArray& items) {
     return R"(<?xml version="1.0" encoding="utf-8"?>
@@ -172,6 +149,7 @@ protected:
         return answers_.answers.back();
     }
 
+    const bool qt_ = test::makeQtApplication(); // before the server's socket
     FeedServer server_;
     RecordedAnswers answers_;
     BufferLineSink out_;

@@ -1,121 +1,343 @@
 #include "DesktopSession.hpp"
 
-#include <chrono>
+#include "platform/linux/AtspiAccessibility.hpp"
+
+#include <QGuiApplication>
+#include <algorithm>
+#include <cerrno>
 #include <csignal>
-#include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
+
+extern char** environ;
 
 namespace hg::test {
 
 namespace {
 
-using namespace std::chrono_literals;
+using Clock = std::chrono::steady_clock;
 
-std::string& reason() {
+std::unique_ptr<QCoreApplication>& application() {
+    static std::unique_ptr<QCoreApplication> made;
+    return made;
+}
+
+// Qt must not be torn down during static destruction.
+class QtTeardown final : public ::testing::Environment {
+public:
+    void TearDown() override { application().reset(); }
+};
+[[maybe_unused]] const auto* const qtTeardown =
+    ::testing::AddGlobalTestEnvironment(new QtTeardown());
+
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> result;
+    for (auto& text : texts) {
+        result.push_back(text.data());
+    }
+    result.push_back(nullptr);
+    return result;
+}
+
+std::string& skipText() {
     static std::string text;
     return text;
 }
 
-// Starts `spec` with fd 3 as the write end of a pipe and returns the first
-// line written there (dbus-daemon --print-address=3, Xvfb -displayfd 3).
-std::optional<std::string> startAndRead(ChildProcess::Spec spec,
-                                        std::unique_ptr<ChildProcess>& child) {
-    int fds[2];
-    if (::pipe(fds) != 0) {
-        return std::nullopt;
-    }
-    spec.extraOutputFd = fds[1];
-    child = std::make_unique<ChildProcess>(spec);
-    ::close(fds[1]);
-    std::string buffer;
-    auto line = child->started() ? readLineFrom(fds[0], buffer, 10s) : std::nullopt;
-    ::close(fds[0]);
-    return line;
+bool registered(AtspiAccessibility& ax, pid_t pid) {
+    const auto pids = ax.registeredProcessIds();
+    return std::find(pids.begin(), pids.end(), pid) != pids.end();
 }
 
 } // namespace
 
+bool waitUntil(const std::function<bool()>& done, std::chrono::milliseconds limit) {
+    const auto deadline = Clock::now() + limit;
+    while (!done()) {
+        if (Clock::now() > deadline) {
+            return false;
+        }
+        if (QCoreApplication::instance() != nullptr) {
+            QCoreApplication::processEvents();
+        }
+        std::this_thread::sleep_for(5ms);
+    }
+    return true;
+}
+
+bool makeQtApplication(bool gui) {
+    if (QCoreApplication::instance() == nullptr) {
+        static int argc = 1;
+        static char name[] = "hg-linux-tests";
+        static char* argv[] = {name, nullptr};
+        if (!gui) {
+            application() = std::make_unique<QCoreApplication>(argc, argv);
+        } else if (DesktopSession::shared() != nullptr) {
+            ::setenv("QT_QPA_PLATFORM", "xcb", 1);
+            application() = std::make_unique<QGuiApplication>(argc, argv);
+        }
+    }
+    return !gui || qobject_cast<QGuiApplication*>(QCoreApplication::instance()) != nullptr;
+}
+
+void xdotool(std::initializer_list<std::string> arguments) {
+    std::vector<std::string> argv{"xdotool"};
+    argv.insert(argv.end(), arguments);
+    ChildProcess(argv).waitForExit(10s);
+}
+
+ChildProcess::ChildProcess(std::vector<std::string> argv,
+                           const std::vector<std::string>& environment,
+                           const std::string& logPath) {
+    // Made before fork: between fork and exec only async-signal-safe calls.
+    std::vector<std::string> env;
+    for (char** e = environ; *e != nullptr; ++e) {
+        env.emplace_back(*e);
+    }
+    for (const auto& extra : environment) {
+        const auto name = extra.substr(0, extra.find('=') + 1);
+        std::erase_if(env, [&](const std::string& e) { return e.starts_with(name); });
+        env.push_back(extra);
+    }
+    const auto envp = pointers(env);
+    const auto args = pointers(argv);
+    int in[2];
+    int out[2];
+    if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0) {
+        return;
+    }
+    const int log = ::open(logPath.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
+    const pid_t parent = ::getpid();
+    pid_ = ::fork();
+    if (pid_ == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (::getppid() != parent) {
+            ::_exit(127);
+        }
+        ::dup2(in[0], STDIN_FILENO);
+        ::dup2(out[1], STDOUT_FILENO);
+        ::dup2(log, STDERR_FILENO);
+        ::execvpe(args[0], args.data(), envp.data());
+        ::_exit(127);
+    }
+    for (const int fd : {in[0], out[1], log}) {
+        ::close(fd);
+    }
+    in_ = in[1];
+    out_ = out[0];
+}
+
+ChildProcess::~ChildProcess() {
+    kill();
+    ::close(in_);
+    ::close(out_);
+}
+
+bool ChildProcess::send(const std::string& line) {
+    // A child that has gone must not take the test down with SIGPIPE.
+    std::signal(SIGPIPE, SIG_IGN);
+    const std::string text = line + "\n";
+    return ::write(in_, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+}
+
+std::optional<std::string> ChildProcess::waitForLine(const std::string& prefix,
+                                                     std::chrono::milliseconds limit) {
+    const auto deadline = Clock::now() + limit;
+    while (true) {
+        if (const auto end = buffer_.find('\n'); end != std::string::npos) {
+            lines_.push_back(buffer_.substr(0, end));
+            buffer_.erase(0, end + 1);
+            if (lines_.back().starts_with(prefix)) {
+                return lines_.back();
+            }
+            continue;
+        }
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        pollfd readable{out_, POLLIN, 0};
+        const int ready =
+            left.count() > 0 ? ::poll(&readable, 1, static_cast<int>(left.count())) : 0;
+        if (ready < 0 && errno == EINTR) {
+            continue;
+        }
+        if (ready <= 0) {
+            return std::nullopt;
+        }
+        char chunk[512];
+        const ssize_t got = ::read(out_, chunk, sizeof chunk);
+        if (got <= 0) {
+            return std::nullopt;
+        }
+        buffer_.append(chunk, static_cast<std::size_t>(got));
+    }
+}
+
+void ChildProcess::signal(int number) const {
+    if (pid_ > 0 && !reaped_) {
+        ::kill(pid_, number);
+    }
+}
+
+bool ChildProcess::hasExited() {
+    if (pid_ > 0 && !reaped_ && ::waitpid(pid_, nullptr, WNOHANG) == pid_) {
+        reaped_ = true;
+    }
+    return pid_ <= 0 || reaped_;
+}
+
+bool ChildProcess::waitForExit(std::chrono::milliseconds limit) {
+    const auto deadline = Clock::now() + limit;
+    while (!hasExited() && Clock::now() < deadline) {
+        std::this_thread::sleep_for(10ms);
+    }
+    return hasExited();
+}
+
+void ChildProcess::stop(std::chrono::milliseconds limit) {
+    signal(SIGTERM);
+    waitForExit(limit);
+    kill();
+}
+
+void ChildProcess::kill() {
+    signal(SIGKILL);
+    while (pid_ > 0 && !reaped_) {
+        reaped_ = ::waitpid(pid_, nullptr, 0) == pid_ || errno != EINTR;
+    }
+}
+
 const std::string& DesktopSession::skipReason() {
-    return reason();
+    return skipText();
 }
 
 DesktopSession* DesktopSession::shared() {
-    static std::unique_ptr<DesktopSession> session = [] {
-        std::unique_ptr<DesktopSession> s(new DesktopSession());
-        if (!s->start(reason())) {
-            s.reset();
+    static const std::unique_ptr<DesktopSession> session = [] {
+        std::unique_ptr<DesktopSession> made(new DesktopSession());
+        if (!made->start(skipText())) {
+            made.reset();
         }
-        return s;
+        return made;
     }();
     return session.get();
 }
 
 bool DesktopSession::start(std::string& why) {
-    for (const char* program : {"dbus-daemon", "Xvfb"}) {
-        if (!findProgram(program)) {
-            why = std::string(program) + " is not installed, so no private desktop can run here";
-            return false;
-        }
-    }
-    char scratchTemplate[] = "/tmp/hg-a11y-XXXXXX";
-    if (::mkdtemp(scratchTemplate) == nullptr) {
-        why = "no scratch directory could be made under /tmp";
+    char scratch[] = "/tmp/hg-desktop-XXXXXX";
+    if (::mkdtemp(scratch) == nullptr) {
+        why = "no scratch folder could be made under /tmp";
         return false;
     }
-    scratch_ = scratchTemplate;
-    for (const char* sub : {"/home", "/runtime", "/config", "/cache"}) {
-        ::mkdir((scratch_ + sub).c_str(), 0700);
+    scratch_ = scratch;
+    for (const char* name : {"HOME", "XDG_RUNTIME_DIR", "XDG_CONFIG_HOME", "XDG_CACHE_HOME"}) {
+        const std::string dir = scratch_ + "/" + name;
+        ::mkdir(dir.c_str(), 0700);
+        ::setenv(name, dir.c_str(), 1);
     }
-    ::setenv("HOME", (scratch_ + "/home").c_str(), 1);
-    ::setenv("XDG_RUNTIME_DIR", (scratch_ + "/runtime").c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", (scratch_ + "/config").c_str(), 1);
-    ::setenv("XDG_CACHE_HOME", (scratch_ + "/cache").c_str(), 1);
-    // The accessibility switch is a GSettings key: kept in memory it dies
+    // The accessibility switch is a GSettings key: kept in memory, it dies
     // with this session whatever a test sets it to.
     ::setenv("GSETTINGS_BACKEND", "memory", 1);
-    ::unsetenv("AT_SPI_BUS_ADDRESS");
-    ::unsetenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON");
-    ::unsetenv("DBUS_SESSION_BUS_ADDRESS");
-
-    const auto address =
-        startAndRead({.argv = {"dbus-daemon", "--session", "--nofork", "--print-address=3"},
-                      .stderrPath = scratch_ + "/dbus.log"},
-                     bus_);
+    for (const char* name : {"AT_SPI_BUS_ADDRESS", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON",
+                             "DBUS_SESSION_BUS_ADDRESS", "WAYLAND_DISPLAY"}) {
+        ::unsetenv(name);
+    }
+    bus_ = std::make_unique<ChildProcess>(
+        std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--print-address=1"},
+        std::vector<std::string>{}, scratch_ + "/dbus.log");
+    const auto address = bus_->waitForLine("", 10s);
     if (!address || address->empty()) {
         why = "the private session bus (dbus-daemon --session) did not start";
         return false;
     }
-    busAddress_ = *address;
-    ::setenv("DBUS_SESSION_BUS_ADDRESS", busAddress_.c_str(), 1);
-
-    const auto display = startAndRead(
-        {.argv = {"Xvfb", "-displayfd", "3", "-nolisten", "tcp", "-screen", "0", "1024x768x24"},
-         .stderrPath = scratch_ + "/xvfb.log"},
-        display_);
-    if (!display || display->empty()) {
-        why = "Xvfb did not start";
+    ::setenv("DBUS_SESSION_BUS_ADDRESS", address->c_str(), 1);
+    // Xvfb writes the display number it chose once it accepts clients.
+    display_ = std::make_unique<ChildProcess>(
+        std::vector<std::string>{"Xvfb", "-displayfd", "1", "-nolisten", "tcp", "-screen", "0",
+                                 "1024x768x24", "-nocursor"},
+        std::vector<std::string>{}, scratch_ + "/xvfb.log");
+    const auto number = display_->waitForLine("", 10s);
+    if (!number || number->empty()) {
+        why = "Xvfb did not start (is it installed?)";
         return false;
     }
-    ::setenv("DISPLAY", (":" + *display).c_str(), 1);
+    // Appended, not concatenated: GCC 12 at -O3 warns falsely (-Wrestrict).
+    std::string display(":");
+    display.append(*number);
+    ::setenv("DISPLAY", display.c_str(), 1);
     return true;
 }
 
 DesktopSession::~DesktopSession() {
     // The bus first: the accessibility bus launcher and the registry end with it.
-    if (bus_) {
-        bus_->signal(SIGTERM);
-        bus_->finish(2s);
-    }
-    if (display_) {
-        display_->signal(SIGTERM);
-        display_->finish(2s);
+    for (auto* child : {bus_.get(), display_.get()}) {
+        if (child != nullptr) {
+            child->stop(2s);
+        }
     }
     std::error_code ignored;
-    if (!scratch_.empty()) {
-        std::filesystem::remove_all(scratch_, ignored);
+    std::filesystem::remove_all(scratch_, ignored);
+}
+
+FixtureApp::FixtureApp(std::string name, const std::string& link, const std::string& logPath)
+    : name_(std::move(name)),
+      process_({link}, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1", "QT_QPA_PLATFORM=xcb"}, logPath) {}
+
+std::unique_ptr<FixtureApp> FixtureApp::start(AtspiAccessibility& ax, std::string& whyNot) {
+    const DesktopSession* session = DesktopSession::shared();
+    if (session == nullptr) {
+        whyNot = DesktopSession::skipReason();
+        return nullptr;
     }
+    // At most 15 bytes, the length the kernel keeps of a process name.
+    static int started = 0;
+    std::string name = "hgfx" + std::to_string(::getpid()) + "-" + std::to_string(++started % 100);
+    const std::string link = session->scratchDir() + "/" + name;
+    if (::symlink(HG_FIXTURE_APP, link.c_str()) != 0) {
+        whyNot = "no link to the fixture application could be made in " + session->scratchDir();
+        return nullptr;
+    }
+    std::unique_ptr<FixtureApp> app(
+        new FixtureApp(std::move(name), link, session->scratchDir() + "/fixture.log"));
+    if (!app->process_.waitForLine("ready ")) {
+        whyNot = "the fixture application did not start on the private display";
+        return nullptr;
+    }
+    const pid_t pid = app->pid();
+    if (!waitUntil([&] {
+            return registered(ax, pid) &&
+                   ax.copyAttributeValue(ax.createApplication(pid), "AXMenuBar").error ==
+                       ax::success;
+        })) {
+        whyNot = "the fixture application never showed its menu bar on the accessibility bus";
+        return nullptr;
+    }
+    return app;
+}
+
+std::string FixtureApp::command(const std::string& text) {
+    if (text != "state") {
+        process_.send(text);
+    }
+    process_.send("state");
+    const auto line = process_.waitForLine("now ", 10s);
+    return line ? line->substr(4) : "no answer";
+}
+
+int FixtureApp::presses() {
+    state(); // every press before is reported before the state
+    return static_cast<int>(std::count(process_.linesRead().begin(), process_.linesRead().end(),
+                                       std::string("pressed")));
+}
+
+void FixtureApp::kill(AtspiAccessibility& ax) {
+    const pid_t pid = this->pid();
+    process_.kill();
+    waitUntil([&] { return !registered(ax, pid); }, 10s);
 }
 
 } // namespace hg::test

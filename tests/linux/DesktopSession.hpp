@@ -1,40 +1,129 @@
 #pragma once
 
-#include "ChildProcess.hpp"
-
+#include <chrono>
+#include <functional>
+#include <initializer_list>
 #include <memory>
+#include <optional>
 #include <string>
+#include <sys/types.h>
+#include <vector>
 
+namespace hg {
+class AtspiAccessibility;
+}
+
+// What the Linux tests and benchmarks run against: child processes whose
+// output they read, a private desktop, the fixture meeting application on it.
 namespace hg::test {
 
-// A private desktop for the tests, the same as `dbus-run-session` under Xvfb:
-// its own session bus (which starts the accessibility bus and registry on
-// demand), its own X display, and a scratch home with GSettings kept in
-// memory, so nothing a test switches (the accessibility switch) outlives it
-// or touches the user's desktop. Environment variables of this process point
-// at it (DBUS_SESSION_BUS_ADDRESS, DISPLAY, HOME, XDG_*), so children inherit
-// it. Started once per test process, before QtDBus first opens the session
-// bus, and torn down at exit.
+using namespace std::chrono_literals;
+
+// Generous: the first fixture application also starts the accessibility bus.
+inline constexpr std::chrono::milliseconds patience = 20s;
+
+// Waits until `done` holds, handling Qt's events meanwhile when there is an
+// application; false when `limit` passes first.
+bool waitUntil(const std::function<bool()>& done, std::chrono::milliseconds limit = patience);
+
+// Makes this test program's Qt application unless there is one: a
+// QGuiApplication on the private display when `gui`, else a QCoreApplication.
+// It ends with the tests, before main() returns. False without a display.
+bool makeQtApplication(bool gui = false);
+
+// Runs xdotool on the private display and waits until it is done.
+void xdotool(std::initializer_list<std::string> arguments);
+
+// A child process with pipes to its standard input and from its standard
+// output; standard error goes to `logPath`. argv[0] is looked up in PATH and
+// `environment` ("NAME=value") is added to ours. Killed and reaped with the
+// object, and killed by the kernel if the test process dies first.
+class ChildProcess {
+public:
+    explicit ChildProcess(std::vector<std::string> argv,
+                          const std::vector<std::string>& environment = {},
+                          const std::string& logPath = "/dev/null");
+    ~ChildProcess();
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    [[nodiscard]] pid_t pid() const { return pid_; }
+    // Writes `line` and a line feed; false when its input is closed.
+    bool send(const std::string& line);
+    // Reads lines until one starts with `prefix` and returns it; none at the
+    // end of its output or when `limit` passes.
+    std::optional<std::string> waitForLine(const std::string& prefix,
+                                           std::chrono::milliseconds limit = patience);
+    // Every line read so far, in order.
+    [[nodiscard]] const std::vector<std::string>& linesRead() const { return lines_; }
+
+    void signal(int number) const;
+    // Whether it has ended (reaps it when it has).
+    bool hasExited();
+    bool waitForExit(std::chrono::milliseconds limit);
+    // Asks it to end (SIGTERM), and kills it when it has not within `limit`.
+    void stop(std::chrono::milliseconds limit = 5s);
+    void kill();
+
+private:
+    pid_t pid_ = -1;
+    bool reaped_ = false;
+    int in_ = -1;
+    int out_ = -1;
+    std::string buffer_;
+    std::vector<std::string> lines_;
+};
+
+// A private desktop, as `dbus-run-session` under Xvfb: its own X display,
+// session bus (which starts the accessibility bus on demand) and scratch home
+// with GSettings kept in memory, so nothing a test switches outlives it or
+// reaches the user's desktop. This process's environment points at it
+// (DISPLAY, DBUS_SESSION_BUS_ADDRESS, HOME, XDG_*), and children inherit it.
 class DesktopSession {
 public:
-    // The session, started on first use; null when it cannot run here, with
-    // the reason in skipReason().
+    // Started on first use, before QtDBus opens a session bus; null when it
+    // cannot run here, with the reason in skipReason().
     static DesktopSession* shared();
     static const std::string& skipReason();
-
     ~DesktopSession();
 
     [[nodiscard]] const std::string& scratchDir() const { return scratch_; }
-    [[nodiscard]] const std::string& busAddress() const { return busAddress_; }
 
 private:
     DesktopSession() = default;
     bool start(std::string& why);
 
     std::string scratch_;
-    std::string busAddress_;
     std::unique_ptr<ChildProcess> bus_;
     std::unique_ptr<ChildProcess> display_;
+};
+
+// The fixture meeting application (hg-fixture-app) on the private desktop,
+// with its accessibility tree exported. It runs under a process name of its
+// own, so that parallel tests never find each other's.
+class FixtureApp {
+public:
+    // Starts it and waits until `ax` reads its menu bar; null, with the
+    // reason, when it does not come up.
+    static std::unique_ptr<FixtureApp> start(AtspiAccessibility& ax, std::string& whyNot);
+
+    [[nodiscard]] pid_t pid() const { return process_.pid(); }
+    // As /proc/PID/comm shows it.
+    [[nodiscard]] const std::string& processName() const { return name_; }
+    // Sends a command and returns the state afterwards ("muted", ...).
+    std::string command(const std::string& text);
+    std::string state() { return command("state"); }
+    // How often its mute item has been pressed so far.
+    int presses();
+    // Kills it and waits until the registry has forgotten it.
+    void kill(AtspiAccessibility& ax);
+    void signal(int number) const { process_.signal(number); }
+
+private:
+    FixtureApp(std::string name, const std::string& link, const std::string& logPath);
+
+    std::string name_;
+    ChildProcess process_;
 };
 
 } // namespace hg::test

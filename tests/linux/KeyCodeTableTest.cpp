@@ -14,18 +14,11 @@ TEST(KeyCodeTable, KnownKeysConvertBothWays) {
     };
     // X11 codes are evdev + 8, as xev shows them on a PC keyboard.
     const Row rows[] = {
-        {"A", 38, 0x00},         {"K", 45, 40},           {"Q", 24, 0x0C},
-        {"1", 10, 0x12},         {"0", 19, 0x1D},         {"Return", 36, 0x24},
-        {"Space", 65, 0x31},     {"Tab", 23, 0x30},       {"Escape", 9, 0x35},
-        {"BackSpace", 22, 0x33}, {"Delete", 119, 0x75},   {"F1", 67, 0x7A},
-        {"F5", 71, 0x60},        {"F12", 96, 0x6F},       {"F13", 191, 0x69},
-        {"F20", 198, 0x5A},      {"Home", 110, 0x73},     {"End", 115, 0x77},
-        {"Prior", 112, 0x74},    {"Next", 117, 0x79},     {"Left", 113, 0x7B},
-        {"Up", 111, 0x7E},       {"KP_Enter", 104, 0x4C}, {"KP_0", 90, 0x52},
-        {"Super_L", 133, 55},    {"Super_R", 134, 54},    {"Shift_L", 50, 56},
-        {"Shift_R", 62, 60},     {"Alt_L", 64, 58},       {"Alt_R", 108, 61},
-        {"Control_L", 37, 59},   {"Control_R", 105, 62},  {"Caps_Lock", 66, 57},
-        {"grave", 49, 0x32},     {"slash", 61, 0x2C},     {"less (ISO)", 94, 0x0A},
+        {"A", 38, 0x00},          {"K", 45, 40},           {"1", 10, 0x12},
+        {"Return", 36, 0x24},     {"F5", 71, 0x60},        {"F13", 191, 0x69},
+        {"Up", 111, 0x7E},        {"KP_Enter", 104, 0x4C}, {"Super_R", 134, 54},
+        {"Control_R", 105, 62},   {"Alt_L", 64, 58},       {"Caps_Lock", 66, 57},
+        {"less (ISO)", 94, 0x0A},
     };
     for (const Row& row : rows) {
         EXPECT_EQ(KeyCodeTable::macKeyCode(row.x11), row.mac) << row.key;
@@ -33,13 +26,10 @@ TEST(KeyCodeTable, KnownKeysConvertBothWays) {
     }
 }
 
-TEST(KeyCodeTable, FnLiesOutsideTheCoreProtocolRange) {
+TEST(KeyCodeTable, KeysWithoutCounterpartConvertToNothing) {
     const auto fn = KeyCodeTable::x11KeyCode(KeyCodeTable::macFunctionKey);
     ASSERT_TRUE(fn.has_value());
-    EXPECT_GT(*fn, 255u);
-}
-
-TEST(KeyCodeTable, KeysWithoutCounterpartConvertToNothing) {
+    EXPECT_GT(*fn, 255u) << "fn lies outside the core protocol's range";
     EXPECT_FALSE(KeyCodeTable::macKeyCode(0).has_value());
     EXPECT_FALSE(KeyCodeTable::macKeyCode(107).has_value()) << "Print Screen";
     EXPECT_FALSE(KeyCodeTable::macKeyCode(127).has_value()) << "Pause";

@@ -90,10 +90,7 @@ TEST_F(ProcTree, MatchesOddNamesLongNamesAndFlatpakScopes) {
 }
 
 TEST_F(ProcTree, ARecycledProcessIdIsLookedAtAfresh) {
-    ProcRunningApplications::Options options;
-    options.procRoot = root_.string();
-    options.identities = knownAppIdentities();
-    ProcRunningApplications apps(options);
+    ProcRunningApplications apps({.identities = knownAppIdentities(), .procRoot = root_.string()});
     add(20, "bwrap", 'S', "0::/app-flatpak-us.zoom.Zoom-1.scope\n");
     EXPECT_THAT(apps.runningApplications(), ElementsAre(App("us.zoom.xos", 20)));
 
@@ -125,11 +122,9 @@ TEST_F(ProcTree, PutsProcessesWithAnAccessibleApplicationFirstOnlyWhenABundleHas
     EXPECT_EQ(asked, 1) << "the bus was asked although no bundle had two processes";
 }
 
-TEST_F(ProcTree, AMissingProcTreeListsNothing) {
-    EXPECT_THAT(list({.procRoot = "/nonexistent"}), IsEmpty());
-    ProcRunningApplications::Options options;
-    options.procRoot = "/nonexistent/proc";
-    EXPECT_THAT(ProcRunningApplications(options).runningApplications(), IsEmpty());
+TEST(ProcRunningApplications, AMissingProcTreeListsNothing) {
+    EXPECT_THAT(ProcRunningApplications({.procRoot = "/nonexistent/proc"}).runningApplications(),
+                IsEmpty());
 }
 
 TEST(AppIdentities, ParsesTheEnvironmentsExtraIdentitiesAndSkipsMalformedOnes) {
@@ -141,20 +136,6 @@ TEST(AppIdentities, ParsesTheEnvironmentsExtraIdentitiesAndSkipsMalformedOnes) {
     EXPECT_EQ(parsed[1].bundleIdentifier, "app.tuple.app");
     EXPECT_THAT(parsed[1].processNames, ElementsAre("tpl"));
     EXPECT_THAT(parseAppIdentities(""), IsEmpty());
-}
-
-TEST(AppIdentities, TheLiveProcTreeHoldsTheFixtureNameWhenMapped) {
-    // This test process is not a meeting application: it is not listed,
-    // unless the environment maps its name, as the end-to-end run does for
-    // the fixture application.
-    std::ifstream comm("/proc/self/comm");
-    std::string name;
-    std::getline(comm, name);
-    ProcRunningApplications apps(
-        ProcRunningApplications::Options{.identities = parseAppIdentities("us.zoom.xos=" + name)});
-    const auto listed = apps.runningApplications();
-    EXPECT_THAT(listed,
-                ::testing::Contains(App("us.zoom.xos", static_cast<ProcessId>(::getpid()))));
 }
 
 } // namespace

@@ -2,7 +2,10 @@
 #include "platform/linux/X11GrabPlan.hpp"
 #include "platform/linux/X11KeyTranslator.hpp"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <optional>
+#include <tuple>
 #include <vector>
 
 namespace hg {
@@ -62,9 +65,7 @@ TEST(X11GrabPlan, MainKeyIsGrabbedWithItsModifiersUnderEveryLockCombination) {
     // Bits outside the significant mask are shown nowhere and matched nowhere.
     const Hotkey f5WithStrayBits{0x60, 0x10000 | 0x100};
     EXPECT_EQ(X11GrabPlan::forHotkey(f5WithStrayBits, usRoles()), withLocks(71, 0));
-}
-
-TEST(X11GrabPlan, NumLockFollowsTheMapping) {
+    // Num Lock's modifier follows the mapping.
     EXPECT_EQ(X11GrabPlan::forHotkey({40, modifier::command}, usRoles(false, 5)),
               sorted(withLocks(keyK, x11mask::mod4, 0x20)));
 }
@@ -124,39 +125,33 @@ TEST(X11GrabPlan, FnIsGrabbedWhereTheKeymapHasAnFnKey) {
     EXPECT_EQ(plan, sorted(expected));
 }
 
+// An event's type, key code and flags; none when there is no event.
+using Seen = std::tuple<std::uint32_t, std::int64_t, std::uint64_t>;
+std::optional<Seen> seen(const std::optional<TapEvent>& event, std::uint64_t mask = ~0ULL) {
+    return event ? std::optional(Seen{event->type, event->keyCode, event->flags & mask})
+                 : std::nullopt;
+}
+
 TEST(X11KeyTranslator, GrabbedPressesCarryTheFlagsAfterThePress) {
     X11KeyTranslator t;
     t.setRoles(usRoles(true));
-
     t.rawPress(superL);
     t.rawPress(keyK);
-    auto k = t.grabbedPress(keyK, x11mask::mod4 | x11mask::mod2);
-    ASSERT_TRUE(k);
-    EXPECT_EQ(k->type, tapevent::keyDown);
-    EXPECT_EQ(k->keyCode, 40);
-    EXPECT_EQ(k->flags, modifier::command);
+    const auto k = t.grabbedPress(keyK, x11mask::mod4 | x11mask::mod2);
+    EXPECT_EQ(seen(k), Seen(tapevent::keyDown, 40, modifier::command));
     EXPECT_EQ(k->autorepeat, 0);
 
     // Modifier keys are flags-changed events whose flags include their own bit.
     t.rawPress(controlL);
     t.rawPress(altR);
-    auto option = t.grabbedPress(altR, x11mask::control | x11mask::lock);
-    ASSERT_TRUE(option);
-    EXPECT_EQ(option->type, tapevent::flagsChanged);
-    EXPECT_EQ(option->keyCode, 61);
-    EXPECT_EQ(option->flags & Hotkey::significantMask, modifier::control | modifier::option);
-
+    EXPECT_EQ(seen(t.grabbedPress(altR, x11mask::control | x11mask::lock), Hotkey::significantMask),
+              Seen(tapevent::flagsChanged, 61, modifier::control | modifier::option));
     // fn is known from its raw press, not from the X state.
     t.rawPress(spareFn);
-    auto fn = t.grabbedPress(spareFn, 0);
-    ASSERT_TRUE(fn);
-    EXPECT_EQ(fn->type, tapevent::flagsChanged);
-    EXPECT_EQ(fn->keyCode, 63);
-    EXPECT_EQ(fn->flags, modifier::function);
+    EXPECT_EQ(seen(t.grabbedPress(spareFn, 0)),
+              Seen(tapevent::flagsChanged, 63, modifier::function));
     t.rawPress(keyA);
-    auto a = t.grabbedPress(keyA, 0);
-    ASSERT_TRUE(a);
-    EXPECT_EQ(a->flags, modifier::function);
+    EXPECT_EQ(seen(t.grabbedPress(keyA, 0)), Seen(tapevent::keyDown, 0, modifier::function));
 }
 
 TEST(X11KeyTranslator, ARepeatedGrabWithoutReleaseIsAnAutoRepeat) {
@@ -177,31 +172,16 @@ TEST(X11KeyTranslator, RawReleasesCarryTheFlagsOfTheKeysStillDown) {
     t.rawPress(controlL);
     t.rawPress(controlR);
     t.rawPress(altL);
-
-    auto left = t.release(controlL, 1);
-    ASSERT_TRUE(left);
-    EXPECT_EQ(left->type, tapevent::flagsChanged);
-    EXPECT_EQ(left->keyCode, 59);
-    EXPECT_EQ(left->flags, modifier::control | modifier::option) << "right control still down";
-
+    EXPECT_EQ(seen(t.release(controlL, 1)),
+              Seen(tapevent::flagsChanged, 59, modifier::control | modifier::option))
+        << "right control still down";
     EXPECT_FALSE(t.release(controlL, 1)) << "the same release reported twice";
     t.rawPress(controlL);
     EXPECT_TRUE(t.release(controlL, 1)) << "pressed and released again within a millisecond";
-
-    auto right = t.release(controlR, 2);
-    ASSERT_TRUE(right);
-    EXPECT_EQ(right->keyCode, 62);
-    EXPECT_EQ(right->flags, modifier::option);
-
-    auto k = t.release(keyK, 3);
-    ASSERT_TRUE(k);
-    EXPECT_EQ(k->type, tapevent::keyUp);
-    EXPECT_EQ(k->keyCode, 40);
-
-    auto caps = t.release(capsLock, 4);
-    ASSERT_TRUE(caps);
-    EXPECT_EQ(caps->type, tapevent::flagsChanged) << "caps lock, as on a Mac";
-    EXPECT_EQ(caps->keyCode, 57);
+    EXPECT_EQ(seen(t.release(controlR, 2)), Seen(tapevent::flagsChanged, 62, modifier::option));
+    EXPECT_EQ(seen(t.release(keyK, 3), 0), Seen(tapevent::keyUp, 40, 0));
+    EXPECT_EQ(seen(t.release(capsLock, 4), 0), Seen(tapevent::flagsChanged, 57, 0))
+        << "caps lock, as on a Mac";
 }
 
 TEST(X11KeyTranslator, KeysReportTheRoleTheMappingGivesThem) {
