@@ -11,13 +11,16 @@
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
+#include <QSettings>
 #include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <thread>
 
 namespace hg::test {
 namespace {
 
+using ::testing::AnyOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
@@ -132,6 +135,16 @@ protected:
     bool zoomBecomes(const std::string& state) {
         return waitUntil([&] { return zoom_->state() == state; });
     }
+    // Holds control-K longer than a tap: `whileHeld` until it is released.
+    void holdShortcut(const std::string& whileHeld, const std::string& afterwards) {
+        const auto pressed = std::chrono::steady_clock::now();
+        xdotool({"keydown", "ctrl+k"});
+        EXPECT_TRUE(zoomBecomes(whileHeld));
+        std::this_thread::sleep_until(pressed + 300ms);
+        EXPECT_EQ(zoom_->state(), whileHeld) << "still held";
+        xdotool({"keyup", "ctrl+k"});
+        EXPECT_TRUE(zoomBecomes(afterwards));
+    }
 
     DesktopSession* session_ = nullptr;
     AtspiBus switch_;
@@ -177,6 +190,44 @@ TEST_F(DesktopEndToEnd, GrantMuteOnJoinToggleFromTheMenuLeaveAndQuit) {
                                          "Goodbye cruel world!"}));
     for (const auto& line : program.linesRead()) {
         EXPECT_THAT(line, Not(HasSubstr("error")));
+    }
+}
+
+TEST_F(DesktopEndToEnd, PushToTalkHoldsAndADoubleTapLeavesTheMicrophoneOpen) {
+    // Control-K, stored the way the program stores its shortcut (as data).
+    const std::string config = session_->scratchDir() + "/push-to-talk-config";
+    QSettings(QString::fromStdString(config + "/HushGremlin/HushGremlin.conf"),
+              QSettings::IniFormat)
+        .setValue("mute_hotkey_v2", QByteArray(R"({"keyCode":40,"modifiers":262144})"));
+    ASSERT_TRUE(switch_.setEnabled(true));
+    zoom_->command("join muted");
+    ChildProcess& program = startProgram({"XDG_CONFIG_HOME=" + config});
+    ASSERT_TRUE(program.waitForLine("Do we have a monitor:  YES"));
+    findMenu();
+    ASSERT_TRUE(showsRow("Toggle Mute")) << "the meeting was never read";
+    const int before = zoom_->presses();
+
+    holdShortcut("unmuted", "muted");
+    EXPECT_EQ(zoom_->presses(), before + 2);
+
+    // Two quick taps: open, mute, open, and the last release leaves it open.
+    xdotool({"keydown", "ctrl+k", "keyup", "ctrl+k", "keydown", "ctrl+k", "keyup", "ctrl+k"});
+    EXPECT_TRUE(waitUntil([&] { return zoom_->presses() >= before + 5; }));
+    EXPECT_EQ(zoom_->state(), "unmuted");
+    // Now holding mutes. The hold's press comes after the double tap's last
+    // release, so that release has been handled by then, and toggled nothing.
+    holdShortcut("muted", "unmuted");
+    EXPECT_EQ(zoom_->presses(), before + 7);
+
+    program.signal(SIGTERM);
+    EXPECT_TRUE(program.waitForLine("Goodbye cruel world!"));
+    EXPECT_THAT(program.linesRead(),
+                ::testing::IsSupersetOf({"setup binding...", "Do we have a monitor:  YES",
+                                         "GOT AX:  true", "GETTING BUTTON"}));
+    // No complaint about the tap, its grabs or the sequence of presses.
+    for (const auto& line : program.linesRead()) {
+        EXPECT_THAT(line, Not(AnyOf(HasSubstr("ERR"), HasSubstr("error"), HasSubstr("Failed"),
+                                    HasSubstr("shortcut"))));
     }
 }
 
