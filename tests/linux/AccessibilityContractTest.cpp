@@ -15,6 +15,7 @@
 #include <csignal>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace hg::test {
 namespace {
@@ -44,10 +45,11 @@ class FakeWorld final : public MeetingWorld {
 public:
     FakeWorld() {
         application_->menuBar = menuBar_;
+        application_->add("AXFrame", "Meeting fixture")->add(menuBar_);
+        menuBar_->onPress = [] { return ax::actionUnsupported; }; // no action to do
         menuBar_->add("AXMenuItem", "File")->add("AXMenu", "")->add("AXMenuItem", "Quit");
         auto popup = meetingItem_->add("AXMenu", "");
         popup->add(muteItem_);
-        popup->add("AXSeparator", "");
         popup->add("AXMenuItem", "Leave Meeting");
         muteItem_->onPress = [this] {
             if (!enabled_) {
@@ -204,6 +206,47 @@ TEST_P(AccessibilityContract, ADisabledItemIsRefusedNotSilentlyPressed) {
     EXPECT_EQ(zoom().muteButton(), nullptr);
     EXPECT_THAT(lines(), ElementsAre("GETTING BUTTON", "CANT COMplete",
                                      "Unexpected TOGGLE error: HushGremlin.SwiftAXError"));
+}
+
+TEST_P(AccessibilityContract, TheTreeHasTheFixturesRolesAndRefusesWhatItCannotDo) {
+    world().command("join");
+    Accessibility& ax = world().accessibility();
+    const auto read = [&](const AXElementRef& element, const char* attribute) {
+        const auto result = ax.copyAttributeValue(element, attribute);
+        const auto* text = std::get_if<std::string>(&result.value);
+        return text != nullptr ? *text : "read failed with " + std::to_string(result.error);
+    };
+    const auto firstChild = [&](const AXElementRef& element) {
+        const auto result = ax.copyAttributeValue(element, "AXChildren");
+        const auto* children = std::get_if<std::vector<AXElementRef>>(&result.value);
+        return children != nullptr && !children->empty() ? children->front() : nullptr;
+    };
+    AXAccess access(ax, world().runningApplications(), out_);
+    const AXElementRef application = ax.createApplication(world().appPid());
+    EXPECT_EQ(read(application, "AXRole"), "AXApplication");
+    EXPECT_EQ(read(firstChild(application), "AXRole"), "AXFrame");
+    EXPECT_EQ(read(firstChild(application), "AXTitle"), "Meeting fixture");
+    const AXElementRef menuBar = access.copyMenuBar(world().appPid());
+    EXPECT_EQ(read(menuBar, "AXRole"), "AXMenuBar");
+    const AXElementRef meeting = access.findChild(menuBar, "Meeting", false);
+    ASSERT_NE(meeting, nullptr);
+    EXPECT_EQ(read(meeting, "AXRole"), "AXMenuItem");
+    EXPECT_EQ(read(firstChild(meeting), "AXRole"), "AXMenu");
+
+    EXPECT_NO_THROW(access.press(menuBar)) << "an element without an action counts as pressed";
+    EXPECT_EQ(ax.performAction(menuBar, "AXShowMenu"), ax::actionUnsupported);
+    EXPECT_EQ(ax.copyAttributeValue(menuBar, "AXSize").error, ax::attributeUnsupported);
+    const auto foreign = std::make_shared<AXElement>();
+    EXPECT_EQ(ax.copyAttributeValue(foreign, "AXTitle").error, ax::illegalArgument);
+    EXPECT_EQ(ax.performAction(foreign, "AXPress"), ax::illegalArgument);
+    // A process without an accessible application, as this test's own.
+    try {
+        (void)access.copyMenuBar(static_cast<ProcessId>(::getpid()));
+        ADD_FAILURE() << "the test process has no accessible application";
+    } catch (const SwiftAXError& e) {
+        EXPECT_EQ(e.axErr, ax::invalidUIElement);
+    }
+    EXPECT_THAT(lines(), ElementsAre("UNSUPPORTED", "WTFMATE"));
 }
 
 TEST_P(AccessibilityContract, AnApplicationKilledMidWalkInvalidatesItsElements) {
