@@ -24,12 +24,8 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 // A desktop with one application that acts like the Zoom client.
-class MeetingWorld {
-public:
+struct MeetingWorld {
     virtual ~MeetingWorld() = default;
-    virtual Accessibility& accessibility() = 0;
-    virtual RunningApplications& runningApplications() = 0;
-    [[nodiscard]] virtual ProcessId appPid() const = 0;
     // As its user would: "join", "join muted", "leave", "mute", "unmute",
     // "disable" (the mute item). Returns the state afterwards ("noMeeting",
     // "muted", "unmuted", and " disabled").
@@ -38,6 +34,10 @@ public:
     virtual void kill() = 0;
     virtual void freeze() = 0;
     virtual void thaw() = 0;
+
+    Accessibility* ax = nullptr;
+    RunningApplications* apps = nullptr;
+    ProcessId pid = 0;
 };
 
 // The fixture's tree on the fake, with the roles the AT-SPI backend reports.
@@ -59,13 +59,11 @@ public:
             return ax::success;
         };
         ax_.setTrusted(true);
-        ax_.setApplication(pid, application_);
+        ax_.setApplication(pid = 4100, application_);
         apps_.add("us.zoom.xos", pid);
+        ax = &ax_;
+        apps = &apps_;
     }
-
-    Accessibility& accessibility() override { return ax_; }
-    RunningApplications& runningApplications() override { return apps_; }
-    [[nodiscard]] ProcessId appPid() const override { return pid; }
 
     std::string command(const std::string& text) override {
         const bool join = text.starts_with("join");
@@ -103,7 +101,6 @@ public:
     void thaw() override { ax_.heal(); }
 
 private:
-    static constexpr ProcessId pid = 4100;
     FakeAccessibility ax_;
     FakeRunningApplications apps_;
     std::shared_ptr<FakeAXElement> application_ = FakeAXElement::make("AXApplication", "fixture");
@@ -124,14 +121,12 @@ public:
                 .identities = {AppIdentity{"us.zoom.xos", {app_->processName()}, {}}},
                 .registeredProcesses = [this] { return ax_.registeredProcessIds(); },
             });
-            pid_ = app_->pid();
+            ax = &ax_;
+            apps = apps_.get();
+            pid = app_->pid();
         }
     }
-    [[nodiscard]] bool running() const { return app_ != nullptr; }
 
-    Accessibility& accessibility() override { return ax_; }
-    RunningApplications& runningApplications() override { return *apps_; }
-    [[nodiscard]] ProcessId appPid() const override { return pid_; }
     std::string command(const std::string& text) override { return app_->command(text); }
     void kill() override { app_->kill(ax_); }
     void freeze() override { app_->signal(SIGSTOP); }
@@ -141,7 +136,6 @@ private:
     AtspiAccessibility ax_{AtspiAccessibility::Options{.alwaysOn = true}};
     std::unique_ptr<FixtureApp> app_;
     std::unique_ptr<ProcRunningApplications> apps_;
-    ProcessId pid_ = 0;
 };
 
 class AccessibilityContract : public ::testing::TestWithParam<std::string> {
@@ -153,13 +147,12 @@ protected:
             makeQtApplication();
             std::string whyNot;
             auto world = std::make_unique<AtspiWorld>(whyNot);
-            if (!world->running()) {
+            if (world->ax == nullptr) {
                 GTEST_SKIP() << "AT-SPI backend not testable here: " << whyNot;
             }
             world_ = std::move(world);
         }
-        zoom_ = std::make_unique<ZoomMeetingApp>(world_->accessibility(),
-                                                 world_->runningApplications(), out_);
+        zoom_ = std::make_unique<ZoomMeetingApp>(*world_->ax, *world_->apps, out_);
     }
 
     MeetingWorld& world() { return *world_; }
@@ -210,7 +203,7 @@ TEST_P(AccessibilityContract, ADisabledItemIsRefusedNotSilentlyPressed) {
 
 TEST_P(AccessibilityContract, TheTreeHasTheFixturesRolesAndRefusesWhatItCannotDo) {
     world().command("join");
-    Accessibility& ax = world().accessibility();
+    Accessibility& ax = *world().ax;
     const auto read = [&](const AXElementRef& element, const char* attribute) {
         const auto result = ax.copyAttributeValue(element, attribute);
         const auto* text = std::get_if<std::string>(&result.value);
@@ -221,12 +214,12 @@ TEST_P(AccessibilityContract, TheTreeHasTheFixturesRolesAndRefusesWhatItCannotDo
         const auto* children = std::get_if<std::vector<AXElementRef>>(&result.value);
         return children != nullptr && !children->empty() ? children->front() : nullptr;
     };
-    AXAccess access(ax, world().runningApplications(), out_);
-    const AXElementRef application = ax.createApplication(world().appPid());
+    AXAccess access(ax, *world().apps, out_);
+    const AXElementRef application = ax.createApplication(world().pid);
     EXPECT_EQ(read(application, "AXRole"), "AXApplication");
     EXPECT_EQ(read(firstChild(application), "AXRole"), "AXFrame");
     EXPECT_EQ(read(firstChild(application), "AXTitle"), "Meeting fixture");
-    const AXElementRef menuBar = access.copyMenuBar(world().appPid());
+    const AXElementRef menuBar = access.copyMenuBar(world().pid);
     EXPECT_EQ(read(menuBar, "AXRole"), "AXMenuBar");
     const AXElementRef meeting = access.findChild(menuBar, "Meeting", false);
     ASSERT_NE(meeting, nullptr);
@@ -251,8 +244,8 @@ TEST_P(AccessibilityContract, TheTreeHasTheFixturesRolesAndRefusesWhatItCannotDo
 
 TEST_P(AccessibilityContract, AnApplicationKilledMidWalkInvalidatesItsElements) {
     world().command("join");
-    AXAccess access(world().accessibility(), world().runningApplications(), out_);
-    const AXElementRef menuBar = access.copyMenuBar(world().appPid());
+    AXAccess access(*world().ax, *world().apps, out_);
+    const AXElementRef menuBar = access.copyMenuBar(world().pid);
     ASSERT_EQ(zoom().toggleMute(MeetingStatus::offMute), MeetingStatus::offMute);
     lines();
 

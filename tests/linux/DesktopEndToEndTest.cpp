@@ -7,7 +7,7 @@
 #include "platform/linux/AtspiBus.hpp"
 
 #include <QDBusArgument>
-#include <QDBusConnection>
+#include <QDBusInterface>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
@@ -24,17 +24,9 @@ using ::testing::AnyOf;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-QDBusMessage call(const QString& service, const QString& path, const QString& interface,
-                  const QString& method, const QList<QVariant>& arguments) {
-    QDBusMessage request = QDBusMessage::createMethodCall(service, path, interface, method);
-    request.setArguments(arguments);
-    return QDBusConnection::sessionBus().call(request, QDBus::Block, 5000);
-}
-
-// The top-level rows of the tray menu, by label; empty when it cannot be read.
-std::map<QString, int> menuRows(const QString& service, const QString& path) {
-    const QDBusMessage reply = call(service, path, QStringLiteral("com.canonical.dbusmenu"),
-                                    QStringLiteral("GetLayout"), {0, -1, QStringList()});
+// The top-level rows of the tray menu, by label; none when it cannot be read.
+std::map<QString, int> menuRows(QDBusInterface& menu) {
+    const QDBusMessage reply = menu.call(QStringLiteral("GetLayout"), 0, -1, QStringList());
     std::map<QString, int> rows;
     if (reply.arguments().size() != 2) {
         return rows;
@@ -86,51 +78,43 @@ protected:
         }
     }
 
-    ChildProcess& startProgram(std::vector<std::string> environment = {}) {
-        environment.push_back("HUSHGREMLIN_APP_IDENTITIES=us.zoom.xos=" + zoom_->processName());
-        environment.push_back("QT_QPA_PLATFORM=xcb");
-        program_ = std::make_unique<ChildProcess>(std::vector<std::string>{HG_DESKTOP_PROGRAM},
-                                                  environment,
-                                                  session_->scratchDir() + "/hushgremlin.log");
+    ChildProcess& startProgram(const std::string& configHome) {
+        program_ = std::make_unique<ChildProcess>(
+            std::vector<std::string>{
+                "env", "HUSHGREMLIN_APP_IDENTITIES=us.zoom.xos=" + zoom_->processName(),
+                "QT_QPA_PLATFORM=xcb", "XDG_CONFIG_HOME=" + configHome, HG_DESKTOP_PROGRAM},
+            session_->scratchDir() + "/hushgremlin.log");
         return *program_;
     }
     // Finds the program's tray menu through the watcher it registered with.
     void findMenu() {
         const auto item = watcher_->waitForLine("item ");
         ASSERT_TRUE(item) << "the tray icon never registered";
-        service_ = QString::fromStdString(item->substr(5, item->find(' ', 5) - 5));
-        const QDBusMessage reply =
-            call(service_, QStringLiteral("/StatusNotifierItem"),
-                 QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
-                 {QStringLiteral("org.kde.StatusNotifierItem"), QStringLiteral("Menu")});
-        ASSERT_EQ(reply.arguments().size(), 1);
-        menuPath_ = reply.arguments()
-                        .front()
-                        .value<QDBusVariant>()
-                        .variant()
-                        .value<QDBusObjectPath>()
-                        .path();
+        const QString service = QString::fromStdString(item->substr(5, item->find(' ', 5) - 5));
+        const auto path = QDBusInterface(service, QStringLiteral("/StatusNotifierItem"),
+                                         QStringLiteral("org.kde.StatusNotifierItem"))
+                              .property("Menu")
+                              .value<QDBusObjectPath>();
+        menu_ = std::make_unique<QDBusInterface>(service, path.path(),
+                                                 QStringLiteral("com.canonical.dbusmenu"));
+        menu_->setTimeout(5000);
     }
     bool showsRow(const char* label) {
-        return waitUntil([&] { return menuRows(service_, menuPath_).contains(label); });
+        return waitUntil([&] { return menuRows(*menu_).contains(label); });
     }
     // Opens the menu, clicks the row and closes the menu again.
     bool click(const char* label) {
-        const auto rows = menuRows(service_, menuPath_);
+        const auto rows = menuRows(*menu_);
         const auto row = rows.find(label);
-        if (row == rows.end()) {
-            return false;
-        }
-        const QString menu = QStringLiteral("com.canonical.dbusmenu");
         const QVariant noData = QVariant::fromValue(QDBusVariant(0));
-        const auto shown = call(service_, menuPath_, menu, QStringLiteral("AboutToShow"), {0});
-        const auto clicked = call(service_, menuPath_, menu, QStringLiteral("Event"),
-                                  {row->second, QStringLiteral("clicked"), noData, 0U});
+        const bool clicked =
+            row != rows.end() &&
+            menu_->call(QStringLiteral("AboutToShow"), 0).type() == QDBusMessage::ReplyMessage &&
+            menu_->call(QStringLiteral("Event"), row->second, QStringLiteral("clicked"), noData, 0U)
+                    .type() == QDBusMessage::ReplyMessage;
         // A row that quits the program may leave no one to answer this.
-        call(service_, menuPath_, menu, QStringLiteral("Event"),
-             {0, QStringLiteral("closed"), noData, 0U});
-        return shown.type() == QDBusMessage::ReplyMessage &&
-               clicked.type() == QDBusMessage::ReplyMessage;
+        menu_->call(QStringLiteral("Event"), 0, QStringLiteral("closed"), noData, 0U);
+        return clicked;
     }
     bool zoomBecomes(const std::string& state) {
         return waitUntil([&] { return zoom_->state() == state; });
@@ -153,14 +137,13 @@ protected:
     std::unique_ptr<ChildProcess> watcher_;
     std::unique_ptr<FixtureApp> zoom_;
     std::unique_ptr<ChildProcess> program_;
-    QString service_;
-    QString menuPath_;
+    std::unique_ptr<QDBusInterface> menu_;
 };
 
 TEST_F(DesktopEndToEnd, GrantMuteOnJoinToggleFromTheMenuLeaveAndQuit) {
     // Accessibility is off, and the program is not started "always on": it
     // has to wait for the switch.
-    ChildProcess& program = startProgram();
+    ChildProcess& program = startProgram(std::getenv("XDG_CONFIG_HOME"));
     ASSERT_TRUE(program.waitForLine("GOT AX:  false"));
     findMenu();
     EXPECT_TRUE(showsRow("Setup Required...")) << "Zoom runs, but cannot be read yet";
@@ -182,7 +165,7 @@ TEST_F(DesktopEndToEnd, GrantMuteOnJoinToggleFromTheMenuLeaveAndQuit) {
 
     ASSERT_TRUE(click("Quit"));
     EXPECT_TRUE(program.waitForLine("Goodbye cruel world!"));
-    EXPECT_TRUE(waitUntil([&] { return program.hasExited(); }));
+    EXPECT_TRUE(program.waitForExit(patience));
     EXPECT_THAT(program.linesRead(),
                 ::testing::IsSupersetOf({"setup binding...", "Starting watcher", "GOT AX:  false",
                                          "SET TRUE noMeeting", "AX ACQUIRED true",
@@ -201,7 +184,7 @@ TEST_F(DesktopEndToEnd, PushToTalkHoldsAndADoubleTapLeavesTheMicrophoneOpen) {
         .setValue("mute_hotkey_v2", QByteArray(R"({"keyCode":40,"modifiers":262144})"));
     ASSERT_TRUE(switch_.setEnabled(true));
     zoom_->command("join muted");
-    ChildProcess& program = startProgram({"XDG_CONFIG_HOME=" + config});
+    ChildProcess& program = startProgram(config);
     ASSERT_TRUE(program.waitForLine("Do we have a monitor:  YES"));
     findMenu();
     ASSERT_TRUE(showsRow("Toggle Mute")) << "the meeting was never read";

@@ -16,8 +16,6 @@
 #include <thread>
 #include <unistd.h>
 
-extern char** environ;
-
 namespace hg::test {
 
 namespace {
@@ -36,20 +34,6 @@ public:
 };
 [[maybe_unused]] const auto* const qtTeardown =
     ::testing::AddGlobalTestEnvironment(new QtTeardown());
-
-std::vector<char*> pointers(std::vector<std::string>& texts) {
-    std::vector<char*> result;
-    for (auto& text : texts) {
-        result.push_back(text.data());
-    }
-    result.push_back(nullptr);
-    return result;
-}
-
-std::string& skipText() {
-    static std::string text;
-    return text;
-}
 
 bool registered(AtspiAccessibility& ax, pid_t pid) {
     const auto pids = ax.registeredProcessIds();
@@ -93,21 +77,13 @@ void xdotool(std::initializer_list<std::string> arguments) {
     ChildProcess(argv).waitForExit(10s);
 }
 
-ChildProcess::ChildProcess(std::vector<std::string> argv,
-                           const std::vector<std::string>& environment,
-                           const std::string& logPath) {
+ChildProcess::ChildProcess(std::vector<std::string> argv, const std::string& logPath) {
     // Made before fork: between fork and exec only async-signal-safe calls.
-    std::vector<std::string> env;
-    for (char** e = environ; *e != nullptr; ++e) {
-        env.emplace_back(*e);
+    std::vector<char*> args;
+    for (auto& argument : argv) {
+        args.push_back(argument.data());
     }
-    for (const auto& extra : environment) {
-        const auto name = extra.substr(0, extra.find('=') + 1);
-        std::erase_if(env, [&](const std::string& e) { return e.starts_with(name); });
-        env.push_back(extra);
-    }
-    const auto envp = pointers(env);
-    const auto args = pointers(argv);
+    args.push_back(nullptr);
     int in[2];
     int out[2];
     if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0) {
@@ -124,7 +100,7 @@ ChildProcess::ChildProcess(std::vector<std::string> argv,
         ::dup2(in[0], STDIN_FILENO);
         ::dup2(out[1], STDOUT_FILENO);
         ::dup2(log, STDERR_FILENO);
-        ::execvpe(args[0], args.data(), envp.data());
+        ::execvp(args[0], args.data());
         ::_exit(127);
     }
     for (const int fd : {in[0], out[1], log}) {
@@ -184,19 +160,15 @@ void ChildProcess::signal(int number) const {
     }
 }
 
-bool ChildProcess::hasExited() {
-    if (pid_ > 0 && !reaped_ && ::waitpid(pid_, nullptr, WNOHANG) == pid_) {
-        reaped_ = true;
-    }
-    return pid_ <= 0 || reaped_;
-}
-
 bool ChildProcess::waitForExit(std::chrono::milliseconds limit) {
     const auto deadline = Clock::now() + limit;
-    while (!hasExited() && Clock::now() < deadline) {
-        std::this_thread::sleep_for(10ms);
+    for (; pid_ > 0 && !reaped_; std::this_thread::sleep_for(10ms)) {
+        reaped_ = ::waitpid(pid_, nullptr, WNOHANG) == pid_;
+        if (!reaped_ && Clock::now() > deadline) {
+            return false;
+        }
     }
-    return hasExited();
+    return true;
 }
 
 void ChildProcess::stop(std::chrono::milliseconds limit) {
@@ -212,14 +184,12 @@ void ChildProcess::kill() {
     }
 }
 
-const std::string& DesktopSession::skipReason() {
-    return skipText();
-}
+std::string DesktopSession::skipReason_;
 
 DesktopSession* DesktopSession::shared() {
     static const std::unique_ptr<DesktopSession> session = [] {
         std::unique_ptr<DesktopSession> made(new DesktopSession());
-        if (!made->start(skipText())) {
+        if (!made->start(skipReason_)) {
             made.reset();
         }
         return made;
@@ -248,7 +218,7 @@ bool DesktopSession::start(std::string& why) {
     }
     bus_ = std::make_unique<ChildProcess>(
         std::vector<std::string>{"dbus-daemon", "--session", "--nofork", "--print-address=1"},
-        std::vector<std::string>{}, scratch_ + "/dbus.log");
+        scratch_ + "/dbus.log");
     const auto address = bus_->waitForLine("", 10s);
     if (!address || address->empty()) {
         why = "the private session bus (dbus-daemon --session) did not start";
@@ -259,7 +229,7 @@ bool DesktopSession::start(std::string& why) {
     display_ = std::make_unique<ChildProcess>(
         std::vector<std::string>{"Xvfb", "-displayfd", "1", "-nolisten", "tcp", "-screen", "0",
                                  "1024x768x24", "-nocursor"},
-        std::vector<std::string>{}, scratch_ + "/xvfb.log");
+        scratch_ + "/xvfb.log");
     const auto number = display_->waitForLine("", 10s);
     if (!number || number->empty()) {
         why = "Xvfb did not start (is it installed?)";
@@ -285,7 +255,8 @@ DesktopSession::~DesktopSession() {
 
 FixtureApp::FixtureApp(std::string name, const std::string& link, const std::string& logPath)
     : name_(std::move(name)),
-      process_({link}, {"QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1", "QT_QPA_PLATFORM=xcb"}, logPath) {}
+      process_({"env", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1", "QT_QPA_PLATFORM=xcb", link},
+               logPath) {}
 
 std::unique_ptr<FixtureApp> FixtureApp::start(AtspiAccessibility& ax, std::string& whyNot) {
     const DesktopSession* session = DesktopSession::shared();

@@ -35,14 +35,12 @@ bool makeQtApplication(bool gui = false);
 void xdotool(std::initializer_list<std::string> arguments);
 
 // A child process with pipes to its standard input and from its standard
-// output; standard error goes to `logPath`. argv[0] is looked up in PATH and
-// `environment` ("NAME=value") is added to ours. Killed and reaped with the
-// object, and killed by the kernel if the test process dies first.
+// output; standard error goes to `logPath`. argv[0] is looked up in PATH
+// (`env` sets variables of its own). Killed and reaped with the object, and
+// killed by the kernel if the test process dies first.
 class ChildProcess {
 public:
-    explicit ChildProcess(std::vector<std::string> argv,
-                          const std::vector<std::string>& environment = {},
-                          const std::string& logPath = "/dev/null");
+    explicit ChildProcess(std::vector<std::string> argv, const std::string& logPath = "/dev/null");
     ~ChildProcess();
     ChildProcess(const ChildProcess&) = delete;
     ChildProcess& operator=(const ChildProcess&) = delete;
@@ -58,8 +56,7 @@ public:
     [[nodiscard]] const std::vector<std::string>& linesRead() const { return lines_; }
 
     void signal(int number) const;
-    // Whether it has ended (reaps it when it has).
-    bool hasExited();
+    // Whether it has ended within `limit` (and is reaped).
     bool waitForExit(std::chrono::milliseconds limit);
     // Asks it to end (SIGTERM), and kills it when it has not within `limit`.
     void stop(std::chrono::milliseconds limit = 5s);
@@ -84,7 +81,7 @@ public:
     // Started on first use, before QtDBus opens a session bus; null when it
     // cannot run here, with the reason in skipReason().
     static DesktopSession* shared();
-    static const std::string& skipReason();
+    static const std::string& skipReason() { return skipReason_; }
     ~DesktopSession();
 
     [[nodiscard]] const std::string& scratchDir() const { return scratch_; }
@@ -93,6 +90,7 @@ private:
     DesktopSession() = default;
     bool start(std::string& why);
 
+    static std::string skipReason_;
     std::string scratch_;
     std::unique_ptr<ChildProcess> bus_;
     std::unique_ptr<ChildProcess> display_;
