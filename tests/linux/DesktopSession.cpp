@@ -254,9 +254,9 @@ DesktopSession::~DesktopSession() {
 }
 
 FixtureApp::FixtureApp(std::string name, const std::string& link, const std::string& logPath)
-    : name_(std::move(name)),
-      process_({"env", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1", "QT_QPA_PLATFORM=xcb", link},
-               logPath) {}
+    : ChildProcess({"env", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1", "QT_QPA_PLATFORM=xcb", link},
+                   logPath),
+      name_(std::move(name)) {}
 
 std::unique_ptr<FixtureApp> FixtureApp::start(AtspiAccessibility& ax, std::string& whyNot) {
     const DesktopSession* session = DesktopSession::shared();
@@ -274,7 +274,7 @@ std::unique_ptr<FixtureApp> FixtureApp::start(AtspiAccessibility& ax, std::strin
     }
     std::unique_ptr<FixtureApp> app(
         new FixtureApp(std::move(name), link, session->scratchDir() + "/fixture.log"));
-    if (!app->process_.waitForLine("ready ")) {
+    if (!app->waitForLine("ready ")) {
         whyNot = "the fixture application did not start on the private display";
         return nullptr;
     }
@@ -292,22 +292,21 @@ std::unique_ptr<FixtureApp> FixtureApp::start(AtspiAccessibility& ax, std::strin
 
 std::string FixtureApp::command(const std::string& text) {
     if (text != "state") {
-        process_.send(text);
+        send(text);
     }
-    process_.send("state");
-    const auto line = process_.waitForLine("now ", 10s);
+    send("state");
+    const auto line = waitForLine("now ", 10s);
     return line ? line->substr(4) : "no answer";
 }
 
 int FixtureApp::presses() {
     state(); // every press before is reported before the state
-    return static_cast<int>(std::count(process_.linesRead().begin(), process_.linesRead().end(),
-                                       std::string("pressed")));
+    return static_cast<int>(std::count(linesRead().begin(), linesRead().end(), "pressed"));
 }
 
 void FixtureApp::kill(AtspiAccessibility& ax) {
     const pid_t pid = this->pid();
-    process_.kill();
+    ChildProcess::kill();
     waitUntil([&] { return !registered(ax, pid); }, 10s);
 }
 

@@ -99,13 +99,12 @@ private:
 // The fixture meeting application (hg-fixture-app) on the private desktop,
 // with its accessibility tree exported. It runs under a process name of its
 // own, so that parallel tests never find each other's.
-class FixtureApp {
+class FixtureApp : public ChildProcess {
 public:
     // Starts it and waits until `ax` reads its menu bar; null, with the
     // reason, when it does not come up.
     static std::unique_ptr<FixtureApp> start(AtspiAccessibility& ax, std::string& whyNot);
 
-    [[nodiscard]] pid_t pid() const { return process_.pid(); }
     // As /proc/PID/comm shows it.
     [[nodiscard]] const std::string& processName() const { return name_; }
     // Sends a command and returns the state afterwards ("muted", ...).
@@ -115,13 +114,11 @@ public:
     int presses();
     // Kills it and waits until the registry has forgotten it.
     void kill(AtspiAccessibility& ax);
-    void signal(int number) const { process_.signal(number); }
 
 private:
     FixtureApp(std::string name, const std::string& link, const std::string& logPath);
 
     std::string name_;
-    ChildProcess process_;
 };
 
 } // namespace hg::test

@@ -41,50 +41,41 @@ X11KeyRoles usRoles(bool withFn = false, int numLockRow = 4, bool capsIsControl 
     return X11KeyRoles::fromMapping(rows, perRow, 8, 2, keysyms);
 }
 
-std::vector<X11Grab> withLocks(std::uint8_t key, std::uint16_t modifiers,
-                               std::uint16_t numLockMask = x11mask::mod2) {
-    return {{key, modifiers},
-            {key, static_cast<std::uint16_t>(modifiers | x11mask::lock)},
-            {key, static_cast<std::uint16_t>(modifiers | numLockMask)},
-            {key, static_cast<std::uint16_t>(modifiers | x11mask::lock | numLockMask)}};
+// Each key grabbed with its modifiers under every combination of the locks.
+std::vector<X11Grab> grabs(std::initializer_list<X11Grab> keys,
+                           std::uint16_t numLockMask = x11mask::mod2) {
+    std::vector<X11Grab> all;
+    for (const X11Grab& key : keys) {
+        for (const int locks :
+             {0, int{x11mask::lock}, int{numLockMask}, x11mask::lock | numLockMask}) {
+            all.push_back({key.keyCode, static_cast<std::uint16_t>(key.modifiers | locks)});
+        }
+    }
+    std::sort(all.begin(), all.end());
+    return all;
 }
 
-std::vector<X11Grab> sorted(std::vector<X11Grab> grabs) {
-    std::sort(grabs.begin(), grabs.end());
-    return grabs;
-}
-
-TEST(X11GrabPlan, MainKeyIsGrabbedWithItsModifiersUnderEveryLockCombination) {
+TEST(X11GrabPlan, KeysAreGrabbedWithTheShortcutsModifiersUnderEveryLockCombination) {
+    using namespace x11mask;
     EXPECT_EQ(X11GrabPlan::forHotkey({40, modifier::control | modifier::option | modifier::shift},
                                      usRoles()),
-              withLocks(keyK, x11mask::control | x11mask::mod1 | x11mask::shift));
+              grabs({{keyK, control | mod1 | shift}}));
     // Bits outside the significant mask are shown nowhere and matched nowhere.
-    EXPECT_EQ(X11GrabPlan::forHotkey({0x60, 0x10000 | 0x100}, usRoles()), withLocks(71, 0));
+    EXPECT_EQ(X11GrabPlan::forHotkey({0x60, 0x10000 | 0x100}, usRoles()), grabs({{71, 0}}));
     // Num Lock's modifier follows the mapping.
     EXPECT_EQ(X11GrabPlan::forHotkey({40, modifier::command}, usRoles(false, 5)),
-              sorted(withLocks(keyK, x11mask::mod4, 0x20)));
-}
-
-TEST(X11GrabPlan, ModifiersAloneGrabEachModifierKeyWithTheOthers) {
+              grabs({{keyK, mod4}}, 0x20));
+    // Modifiers alone: each modifier key with the others held.
     const Hotkey controlOption{Hotkey::noKey, modifier::control | modifier::option};
-    std::vector<X11Grab> expected;
-    for (const auto key : {controlL, controlR}) {
-        for (const auto& g : withLocks(key, x11mask::mod1)) {
-            expected.push_back(g);
-        }
-    }
-    for (const auto key : {altL, altR}) {
-        for (const auto& g : withLocks(key, x11mask::control)) {
-            expected.push_back(g);
-        }
-    }
-    EXPECT_EQ(X11GrabPlan::forHotkey(controlOption, usRoles()), sorted(expected));
-
-    // Caps Lock set up as a third control key is grabbed like the others.
-    const auto plan = X11GrabPlan::forHotkey(controlOption, usRoles(false, 4, true));
-    EXPECT_EQ(std::count_if(plan.begin(), plan.end(),
-                            [](const X11Grab& g) { return g.keyCode == capsLock; }),
-              4);
+    EXPECT_EQ(X11GrabPlan::forHotkey(controlOption, usRoles()),
+              grabs({{controlL, mod1}, {controlR, mod1}, {altL, control}, {altR, control}}));
+    EXPECT_EQ(X11GrabPlan::forHotkey(controlOption, usRoles(false, 4, true)),
+              grabs({{controlL, mod1},
+                     {controlR, mod1},
+                     {capsLock, mod1},
+                     {altL, control},
+                     {altR, control}}))
+        << "Caps Lock set up as a third control key";
 }
 
 TEST(X11GrabPlan, ShortcutsNoKeyCanGiveAreNotGrabbed) {
@@ -106,18 +97,12 @@ TEST(X11GrabPlan, ShortcutsNoKeyCanGiveAreNotGrabbed) {
 
 TEST(X11GrabPlan, FnIsGrabbedWhereTheKeymapHasAnFnKey) {
     EXPECT_EQ(X11GrabPlan::forHotkey(Hotkey::defaultHotkey(), usRoles(true)),
-              withLocks(spareFn, 0));
+              grabs({{spareFn, 0}}));
     // shift-fn: fn with Shift held, or either shift key (fn has no X bit; the
     // monitor's exact comparison rejects the shift press without fn held).
-    const auto plan = X11GrabPlan::forHotkey({Hotkey::noKey, modifier::shift | modifier::function},
-                                             usRoles(true));
-    std::vector<X11Grab> expected = withLocks(spareFn, x11mask::shift);
-    for (const auto key : {shiftL, shiftR}) {
-        for (const auto& g : withLocks(key, 0)) {
-            expected.push_back(g);
-        }
-    }
-    EXPECT_EQ(plan, sorted(expected));
+    EXPECT_EQ(X11GrabPlan::forHotkey({Hotkey::noKey, modifier::shift | modifier::function},
+                                     usRoles(true)),
+              grabs({{spareFn, x11mask::shift}, {shiftL, 0}, {shiftR, 0}}));
 }
 
 // An event's type, key code and flags; none when there is no event.

@@ -6,7 +6,7 @@
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <sstream>
+#include <iterator>
 
 namespace hg {
 namespace {
@@ -15,13 +15,7 @@ using Status = LoginItems::Status;
 
 std::string readFile(const std::string& path) {
     std::ifstream in(path);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-void writeFile(const std::string& path, const std::string& text) {
-    std::ofstream(path) << text;
+    return {std::istreambuf_iterator<char>(in), {}};
 }
 
 class XdgLoginItemsTest : public ::testing::Test {
@@ -66,7 +60,7 @@ TEST_F(XdgLoginItemsTest, RegisterReplacesAnEntryTheDesktopSwitchedOff) {
         {"Hidden=false", "[Desktop Entry]\nHidden=false\n", Status::enabled},
     };
     for (const auto& row : rows) {
-        writeFile(items_.entryPath(), row.entry);
+        std::ofstream(items_.entryPath()) << row.entry;
         EXPECT_EQ(items_.status(), row.status) << row.what;
         EXPECT_EQ(items_.registerItem(), std::nullopt) << row.what;
         EXPECT_EQ(items_.status(), Status::enabled) << row.what;
@@ -79,7 +73,7 @@ TEST_F(XdgLoginItemsTest, RegisterReplacesAnEntryTheDesktopSwitchedOff) {
 TEST_F(XdgLoginItemsTest, FailuresReturnTheSystemsErrorText) {
     // A file where the configuration folder should be: no folder can be made
     // there, whoever runs the test.
-    writeFile(configHome_, "not a folder");
+    std::ofstream(configHome_) << "not a folder";
     EXPECT_EQ(items_.registerItem(), "Not a directory");
     EXPECT_EQ(items_.status(), Status::notRegistered);
 
@@ -91,19 +85,13 @@ TEST_F(XdgLoginItemsTest, FailuresReturnTheSystemsErrorText) {
 }
 
 TEST(XdgLoginItems, FollowsXdgConfigHomeThenHome) {
-    const char* savedXdg = std::getenv("XDG_CONFIG_HOME");
-    const std::string restoreXdg = savedXdg != nullptr ? savedXdg : "";
+    // The other cases here name their folder: none needs the variable back.
     const XdgLoginItems items("/bin/true");
     setenv("XDG_CONFIG_HOME", "/tmp/xdg-test-config", 1);
     EXPECT_EQ(items.entryPath(), "/tmp/xdg-test-config/autostart/hushgremlin.desktop");
     setenv("XDG_CONFIG_HOME", "relative/is/ignored", 1);
     EXPECT_EQ(items.entryPath(),
               std::string(std::getenv("HOME")) + "/.config/autostart/hushgremlin.desktop");
-    if (savedXdg != nullptr) {
-        setenv("XDG_CONFIG_HOME", restoreXdg.c_str(), 1);
-    } else {
-        unsetenv("XDG_CONFIG_HOME");
-    }
 }
 
 TEST(XdgLoginItems, QuotesTheProgramPathForExec) {
