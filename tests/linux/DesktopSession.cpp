@@ -4,15 +4,11 @@
 
 #include <QGuiApplication>
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
-#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
 
@@ -78,110 +74,64 @@ void xdotool(std::initializer_list<std::string> arguments) {
 }
 
 ChildProcess::ChildProcess(std::vector<std::string> argv, const std::string& logPath) {
-    // Made before fork: between fork and exec only async-signal-safe calls.
-    std::vector<char*> args;
-    for (auto& argument : argv) {
-        args.push_back(argument.data());
+    QStringList arguments;
+    for (const auto& argument : argv) {
+        arguments << QString::fromStdString(argument);
     }
-    args.push_back(nullptr);
-    int in[2];
-    int out[2];
-    if (::pipe2(in, O_CLOEXEC) != 0 || ::pipe2(out, O_CLOEXEC) != 0) {
-        return;
-    }
-    const int log = ::open(logPath.c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600);
-    const pid_t parent = ::getpid();
-    pid_ = ::fork();
-    if (pid_ == 0) {
-        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (::getppid() != parent) {
-            ::_exit(127);
-        }
-        ::dup2(in[0], STDIN_FILENO);
-        ::dup2(out[1], STDOUT_FILENO);
-        ::dup2(log, STDERR_FILENO);
-        ::execvp(args[0], args.data());
-        ::_exit(127);
-    }
-    for (const int fd : {in[0], out[1], log}) {
-        ::close(fd);
-    }
-    in_ = in[1];
-    out_ = out[0];
+    process_.setProgram(arguments.takeFirst());
+    process_.setArguments(arguments);
+    process_.setStandardErrorFile(QString::fromStdString(logPath), QIODevice::Append);
+    process_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
+    process_.start();
+    process_.waitForStarted();
 }
 
 ChildProcess::~ChildProcess() {
     kill();
-    ::close(in_);
-    ::close(out_);
 }
 
 bool ChildProcess::send(const std::string& line) {
-    // A child that has gone must not take the test down with SIGPIPE.
-    std::signal(SIGPIPE, SIG_IGN);
-    const std::string text = line + "\n";
-    return ::write(in_, text.data(), text.size()) == static_cast<ssize_t>(text.size());
+    const QByteArray text = QByteArray::fromStdString(line + "\n");
+    return process_.write(text) == text.size() && process_.waitForBytesWritten(5000);
 }
 
 std::optional<std::string> ChildProcess::waitForLine(const std::string& prefix,
                                                      std::chrono::milliseconds limit) {
     const auto deadline = Clock::now() + limit;
     while (true) {
-        if (const auto end = buffer_.find('\n'); end != std::string::npos) {
-            lines_.push_back(buffer_.substr(0, end));
-            buffer_.erase(0, end + 1);
+        while (process_.canReadLine()) {
+            lines_.push_back(process_.readLine().chopped(1).toStdString());
             if (lines_.back().starts_with(prefix)) {
                 return lines_.back();
             }
-            continue;
         }
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
-        pollfd readable{out_, POLLIN, 0};
-        const int ready =
-            left.count() > 0 ? ::poll(&readable, 1, static_cast<int>(left.count())) : 0;
-        if (ready < 0 && errno == EINTR) {
-            continue;
-        }
-        if (ready <= 0) {
+        if (left.count() <= 0 || !process_.waitForReadyRead(static_cast<int>(left.count()))) {
             return std::nullopt;
         }
-        char chunk[512];
-        const ssize_t got = ::read(out_, chunk, sizeof chunk);
-        if (got <= 0) {
-            return std::nullopt;
-        }
-        buffer_.append(chunk, static_cast<std::size_t>(got));
     }
 }
 
 void ChildProcess::signal(int number) const {
-    if (pid_ > 0 && !reaped_) {
-        ::kill(pid_, number);
+    if (process_.state() == QProcess::Running) {
+        ::kill(pid(), number);
     }
 }
 
 bool ChildProcess::waitForExit(std::chrono::milliseconds limit) {
-    const auto deadline = Clock::now() + limit;
-    for (; pid_ > 0 && !reaped_; std::this_thread::sleep_for(10ms)) {
-        reaped_ = ::waitpid(pid_, nullptr, WNOHANG) == pid_;
-        if (!reaped_ && Clock::now() > deadline) {
-            return false;
-        }
-    }
-    return true;
+    return process_.state() == QProcess::NotRunning ||
+           process_.waitForFinished(static_cast<int>(limit.count()));
 }
 
 void ChildProcess::stop(std::chrono::milliseconds limit) {
-    signal(SIGTERM);
+    process_.terminate();
     waitForExit(limit);
     kill();
 }
 
 void ChildProcess::kill() {
-    signal(SIGKILL);
-    while (pid_ > 0 && !reaped_) {
-        reaped_ = ::waitpid(pid_, nullptr, 0) == pid_ || errno != EINTR;
-    }
+    process_.kill();
+    process_.waitForFinished();
 }
 
 std::string DesktopSession::skipReason_;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QProcess>
 #include <chrono>
 #include <functional>
 #include <initializer_list>
@@ -42,10 +43,8 @@ class ChildProcess {
 public:
     explicit ChildProcess(std::vector<std::string> argv, const std::string& logPath = "/dev/null");
     ~ChildProcess();
-    ChildProcess(const ChildProcess&) = delete;
-    ChildProcess& operator=(const ChildProcess&) = delete;
 
-    [[nodiscard]] pid_t pid() const { return pid_; }
+    [[nodiscard]] pid_t pid() const { return static_cast<pid_t>(process_.processId()); }
     // Writes `line` and a line feed; false when its input is closed.
     bool send(const std::string& line);
     // Reads lines until one starts with `prefix` and returns it; none at the
@@ -63,11 +62,7 @@ public:
     void kill();
 
 private:
-    pid_t pid_ = -1;
-    bool reaped_ = false;
-    int in_ = -1;
-    int out_ = -1;
-    std::string buffer_;
+    QProcess process_;
     std::vector<std::string> lines_;
 };
 
