@@ -1,8 +1,13 @@
-// The desktop program with the fixture application on a private desktop. Its
-// tray menu is reached the way a desktop's tray host reaches it: the
-// program's StatusNotifierItem and its exported com.canonical.dbusmenu menu.
+// Trust on Linux: the accessibility bus is reachable and the desktop's switch
+// is on. Then the desktop program with the fixture application, its tray menu
+// reached the way a desktop's tray host reaches it: the program's
+// StatusNotifierItem and its exported com.canonical.dbusmenu menu.
 
 #include "DesktopSession.hpp"
+#include "apps/AXAccess.hpp"
+#include "apps/SwiftAXError.hpp"
+#include "platform/fake/BufferLineSink.hpp"
+#include "platform/fake/FakeRunningApplications.hpp"
 #include "platform/linux/AtspiAccessibility.hpp"
 #include "platform/linux/AtspiBus.hpp"
 
@@ -13,16 +18,84 @@
 #include <QDBusVariant>
 #include <QSettings>
 #include <csignal>
+#include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
+#include <unistd.h>
 
 namespace hg::test {
 namespace {
 
 using ::testing::AnyOf;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
+
+// The desktop's accessibility switch is off for each case, and put back after.
+class AtspiTrust : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (DesktopSession::shared() == nullptr) {
+            GTEST_SKIP() << "no private desktop here: " << DesktopSession::skipReason();
+        }
+        makeQtApplication();
+        before_ = switch_.isEnabled();
+        if (!before_) {
+            GTEST_SKIP() << "the accessibility bus launcher (at-spi2-core) does not answer";
+        }
+        ASSERT_TRUE(switch_.setEnabled(false));
+    }
+    void TearDown() override {
+        if (before_) {
+            EXPECT_TRUE(switch_.setEnabled(*before_));
+            EXPECT_EQ(switch_.isEnabled(), before_);
+        }
+    }
+
+    AtspiBus switch_;
+    std::optional<bool> before_;
+};
+
+TEST_F(AtspiTrust, FollowsTheDesktopSwitchAndOnlyThePromptTurnsItOn) {
+    AtspiAccessibility ax(AtspiAccessibility::Options{.alwaysOn = false});
+    EXPECT_FALSE(ax.isProcessTrusted(false));
+    EXPECT_EQ(switch_.isEnabled(), false) << "asking without a prompt changed the switch";
+
+    // Like the permission dialog, the prompt's answer is the one from before it.
+    EXPECT_FALSE(ax.isProcessTrusted(true));
+    EXPECT_EQ(switch_.isEnabled(), true);
+    EXPECT_TRUE(ax.isProcessTrusted(false));
+
+    ASSERT_TRUE(switch_.setEnabled(false));
+    EXPECT_FALSE(ax.isProcessTrusted(false));
+}
+
+TEST_F(AtspiTrust, AlwaysOnApplicationsNeedNoSwitch) {
+    AtspiAccessibility ax(AtspiAccessibility::Options{.alwaysOn = true});
+    EXPECT_TRUE(ax.isProcessTrusted(false));
+    EXPECT_TRUE(ax.isProcessTrusted(true));
+    EXPECT_EQ(switch_.isEnabled(), false) << "a trusted process prompted anyway";
+}
+
+TEST_F(AtspiTrust, AnUnreachableBusIsDisabledAccessibilityAndNeverPrompts) {
+    ::setenv("AT_SPI_BUS_ADDRESS", "unix:path=/nonexistent/hg-a11y-bus", 1);
+    AtspiAccessibility ax(AtspiAccessibility::Options{.alwaysOn = true});
+    FakeRunningApplications apps;
+    BufferLineSink out;
+    AXAccess access(ax, apps, out);
+    EXPECT_FALSE(ax.isProcessTrusted(true));
+    try {
+        (void)access.copyMenuBar(static_cast<ProcessId>(::getpid()));
+        ADD_FAILURE() << "read through a bus that is not there";
+    } catch (const SwiftAXError& e) {
+        EXPECT_EQ(e.axErr, ax::apiDisabled);
+    }
+    EXPECT_TRUE(ax.registeredProcessIds().empty());
+    ::unsetenv("AT_SPI_BUS_ADDRESS");
+    EXPECT_THAT(out.take(), ElementsAre("DISABELD"));
+    EXPECT_EQ(switch_.isEnabled(), false);
+}
 
 // The top-level rows of the tray menu, by label; none when it cannot be read.
 std::map<QString, int> menuRows(QDBusInterface& menu) {
@@ -49,20 +122,14 @@ std::map<QString, int> menuRows(QDBusInterface& menu) {
     return rows;
 }
 
-class DesktopEndToEnd : public ::testing::Test {
+class DesktopEndToEnd : public AtspiTrust {
 protected:
     void SetUp() override {
+        AtspiTrust::SetUp();
+        if (IsSkipped() || HasFatalFailure()) {
+            return;
+        }
         session_ = DesktopSession::shared();
-        if (session_ == nullptr) {
-            GTEST_SKIP() << "no private desktop here: " << DesktopSession::skipReason();
-        }
-        makeQtApplication();
-        const auto enabled = switch_.isEnabled();
-        if (!enabled) {
-            GTEST_SKIP() << "the accessibility bus launcher (at-spi2-core) does not answer";
-        }
-        switchBefore_ = *enabled;
-        ASSERT_TRUE(switch_.setEnabled(false));
         watcher_ = std::make_unique<ChildProcess>(std::vector<std::string>{HG_FAKE_SNI_WATCHER});
         ASSERT_TRUE(watcher_->waitForLine("watching")) << "no StatusNotifierWatcher";
         std::string whyNot;
@@ -73,9 +140,7 @@ protected:
         if (program_) {
             program_->stop();
         }
-        if (switchBefore_) {
-            EXPECT_TRUE(switch_.setEnabled(*switchBefore_));
-        }
+        AtspiTrust::TearDown();
     }
 
     ChildProcess& startProgram(const std::string& configHome) {
@@ -131,8 +196,6 @@ protected:
     }
 
     DesktopSession* session_ = nullptr;
-    AtspiBus switch_;
-    std::optional<bool> switchBefore_;
     AtspiAccessibility ax_{AtspiAccessibility::Options{.alwaysOn = true}};
     std::unique_ptr<ChildProcess> watcher_;
     std::unique_ptr<FixtureApp> zoom_;
