@@ -155,8 +155,6 @@ protected:
         zoom_ = std::make_unique<ZoomMeetingApp>(*world_->ax, *world_->apps, out_);
     }
 
-    MeetingWorld& world() { return *world_; }
-    ZoomMeetingApp& zoom() { return *zoom_; }
     std::vector<std::string> lines() { return out_.take(); }
 
     BufferLineSink out_;
@@ -171,39 +169,39 @@ TEST_P(AccessibilityContract, ReadsTheMeetingStateFromTheMenu) {
         {"leave", MeetingStatus::noMeeting}, {"join muted", MeetingStatus::onMute},
     };
     for (const auto& [command, expected] : steps) {
-        world().command(command);
-        EXPECT_EQ(zoom().fetchStatus(), expected) << "after " << command;
+        world_->command(command);
+        EXPECT_EQ(zoom_->fetchStatus(), expected) << "after " << command;
     }
     EXPECT_THAT(lines(), IsEmpty());
 }
 
 TEST_P(AccessibilityContract, PressingTheItemFlipsTheApplicationsMute) {
-    world().command("join");
-    EXPECT_EQ(zoom().toggleMute(MeetingStatus::offMute), MeetingStatus::offMute);
-    EXPECT_EQ(world().command("state"), "muted");
-    EXPECT_EQ(zoom().fetchStatus(), MeetingStatus::onMute);
+    world_->command("join");
+    EXPECT_EQ(zoom_->toggleMute(MeetingStatus::offMute), MeetingStatus::offMute);
+    EXPECT_EQ(world_->command("state"), "muted");
+    EXPECT_EQ(zoom_->fetchStatus(), MeetingStatus::onMute);
     EXPECT_THAT(lines(), ElementsAre("GETTING BUTTON"));
 
     // The cached item is pressed again without a lookup, whatever its title now.
-    EXPECT_EQ(zoom().toggleMute(MeetingStatus::onMute), MeetingStatus::offMute);
-    EXPECT_EQ(world().command("state"), "unmuted");
-    EXPECT_EQ(zoom().fetchStatus(), MeetingStatus::offMute);
+    EXPECT_EQ(zoom_->toggleMute(MeetingStatus::onMute), MeetingStatus::offMute);
+    EXPECT_EQ(world_->command("state"), "unmuted");
+    EXPECT_EQ(zoom_->fetchStatus(), MeetingStatus::offMute);
     EXPECT_THAT(lines(), IsEmpty());
 }
 
 TEST_P(AccessibilityContract, ADisabledItemIsRefusedNotSilentlyPressed) {
-    world().command("join");
-    world().command("disable");
-    EXPECT_EQ(zoom().toggleMute(MeetingStatus::offMute), MeetingStatus::error);
-    EXPECT_EQ(world().command("state"), "unmuted disabled");
-    EXPECT_EQ(zoom().muteButton(), nullptr);
+    world_->command("join");
+    world_->command("disable");
+    EXPECT_EQ(zoom_->toggleMute(MeetingStatus::offMute), MeetingStatus::error);
+    EXPECT_EQ(world_->command("state"), "unmuted disabled");
+    EXPECT_EQ(zoom_->muteButton(), nullptr);
     EXPECT_THAT(lines(), ElementsAre("GETTING BUTTON", "CANT COMplete",
                                      "Unexpected TOGGLE error: HushGremlin.SwiftAXError"));
 }
 
 TEST_P(AccessibilityContract, TheTreeHasTheFixturesRolesAndRefusesWhatItCannotDo) {
-    world().command("join");
-    Accessibility& ax = *world().ax;
+    world_->command("join");
+    Accessibility& ax = *world_->ax;
     const auto read = [&](const AXElementRef& element, const char* attribute) {
         const auto result = ax.copyAttributeValue(element, attribute);
         const auto* text = std::get_if<std::string>(&result.value);
@@ -214,12 +212,12 @@ TEST_P(AccessibilityContract, TheTreeHasTheFixturesRolesAndRefusesWhatItCannotDo
         const auto* children = std::get_if<std::vector<AXElementRef>>(&result.value);
         return children != nullptr && !children->empty() ? children->front() : nullptr;
     };
-    AXAccess access(ax, *world().apps, out_);
-    const AXElementRef application = ax.createApplication(world().pid);
+    AXAccess access(ax, *world_->apps, out_);
+    const AXElementRef application = ax.createApplication(world_->pid);
     EXPECT_EQ(read(application, "AXRole"), "AXApplication");
     EXPECT_EQ(read(firstChild(application), "AXRole"), "AXFrame");
     EXPECT_EQ(read(firstChild(application), "AXTitle"), "Meeting fixture");
-    const AXElementRef menuBar = access.copyMenuBar(world().pid);
+    const AXElementRef menuBar = access.copyMenuBar(world_->pid);
     EXPECT_EQ(read(menuBar, "AXRole"), "AXMenuBar");
     const AXElementRef meeting = access.findChild(menuBar, "Meeting", false);
     ASSERT_NE(meeting, nullptr);
@@ -243,13 +241,13 @@ TEST_P(AccessibilityContract, TheTreeHasTheFixturesRolesAndRefusesWhatItCannotDo
 }
 
 TEST_P(AccessibilityContract, AnApplicationKilledMidWalkInvalidatesItsElements) {
-    world().command("join");
-    AXAccess access(*world().ax, *world().apps, out_);
-    const AXElementRef menuBar = access.copyMenuBar(world().pid);
-    ASSERT_EQ(zoom().toggleMute(MeetingStatus::offMute), MeetingStatus::offMute);
+    world_->command("join");
+    AXAccess access(*world_->ax, *world_->apps, out_);
+    const AXElementRef menuBar = access.copyMenuBar(world_->pid);
+    ASSERT_EQ(zoom_->toggleMute(MeetingStatus::offMute), MeetingStatus::offMute);
     lines();
 
-    world().kill();
+    world_->kill();
     try {
         (void)access.findChild(menuBar, "Meeting", false);
         ADD_FAILURE() << "the walk went on in a dead application";
@@ -258,21 +256,21 @@ TEST_P(AccessibilityContract, AnApplicationKilledMidWalkInvalidatesItsElements) 
     }
     EXPECT_THAT(lines(), ElementsAre("NODICE", "WTFMATE"));
     // The cached item is dead too: the toggle fails and forgets it.
-    EXPECT_EQ(zoom().toggleMute(MeetingStatus::onMute), MeetingStatus::error);
-    EXPECT_EQ(zoom().muteButton(), nullptr);
+    EXPECT_EQ(zoom_->toggleMute(MeetingStatus::onMute), MeetingStatus::error);
+    EXPECT_EQ(zoom_->muteButton(), nullptr);
     EXPECT_THAT(lines(), ElementsAre("UNSUCCESS PRESSING",
                                      "Unexpected TOGGLE error: HushGremlin.SwiftAXError"));
-    EXPECT_EQ(zoom().fetchStatus(), MeetingStatus::notRunning);
+    EXPECT_EQ(zoom_->fetchStatus(), MeetingStatus::notRunning);
 }
 
 TEST_P(AccessibilityContract, AStoppedApplicationCostsOneTimeOutAndRecovers) {
-    world().command("join muted");
-    world().freeze();
-    EXPECT_EQ(zoom().fetchStatus(), MeetingStatus::error);
+    world_->command("join muted");
+    world_->freeze();
+    EXPECT_EQ(zoom_->fetchStatus(), MeetingStatus::error);
     EXPECT_THAT(lines(), ElementsAre("CANT COMplete",
                                      "Unexpected meeting AX error: HushGremlin.SwiftAXError"));
-    world().thaw();
-    EXPECT_EQ(zoom().fetchStatus(), MeetingStatus::onMute);
+    world_->thaw();
+    EXPECT_EQ(zoom_->fetchStatus(), MeetingStatus::onMute);
     EXPECT_THAT(lines(), IsEmpty());
 }
 

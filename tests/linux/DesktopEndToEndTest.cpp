@@ -129,7 +129,6 @@ protected:
         if (IsSkipped() || HasFatalFailure()) {
             return;
         }
-        session_ = DesktopSession::shared();
         watcher_ = std::make_unique<ChildProcess>(std::vector<std::string>{HG_FAKE_SNI_WATCHER});
         ASSERT_TRUE(watcher_->waitForLine("watching")) << "no StatusNotifierWatcher";
         std::string whyNot;
@@ -148,7 +147,7 @@ protected:
             std::vector<std::string>{
                 "env", "HUSHGREMLIN_APP_IDENTITIES=us.zoom.xos=" + zoom_->processName(),
                 "QT_QPA_PLATFORM=xcb", "XDG_CONFIG_HOME=" + configHome, HG_DESKTOP_PROGRAM},
-            session_->scratchDir() + "/hushgremlin.log");
+            DesktopSession::shared()->scratchDir() + "/hushgremlin.log");
         return *program_;
     }
     // Finds the program's tray menu through the watcher it registered with.
@@ -195,7 +194,6 @@ protected:
         EXPECT_TRUE(zoomBecomes(afterwards));
     }
 
-    DesktopSession* session_ = nullptr;
     AtspiAccessibility ax_{AtspiAccessibility::Options{.alwaysOn = true}};
     std::unique_ptr<ChildProcess> watcher_;
     std::unique_ptr<FixtureApp> zoom_;
@@ -241,7 +239,7 @@ TEST_F(DesktopEndToEnd, GrantMuteOnJoinToggleFromTheMenuLeaveAndQuit) {
 
 TEST_F(DesktopEndToEnd, PushToTalkHoldsAndADoubleTapLeavesTheMicrophoneOpen) {
     // Control-K, stored the way the program stores its shortcut (as data).
-    const std::string config = session_->scratchDir() + "/push-to-talk-config";
+    const std::string config = DesktopSession::shared()->scratchDir() + "/push-to-talk-config";
     QSettings(QString::fromStdString(config + "/HushGremlin/HushGremlin.conf"),
               QSettings::IniFormat)
         .setValue("mute_hotkey_v2", QByteArray(R"({"keyCode":40,"modifiers":262144})"));

@@ -4,6 +4,7 @@
 
 #include "platform/linux/AppIdentities.hpp"
 
+#include <QTemporaryDir>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -22,13 +23,6 @@ MATCHER_P2(App, bundle, pid, "") {
 
 class ProcTree : public ::testing::Test {
 protected:
-    void SetUp() override {
-        char name[] = "/tmp/hg-proc-XXXXXX";
-        ASSERT_NE(::mkdtemp(name), nullptr);
-        root_ = name;
-    }
-    void TearDown() override { std::filesystem::remove_all(root_); }
-
     std::string add(int pid, const std::string& comm, char state = 'S',
                     const std::string& cgroup = "0::/user.slice\n") {
         const auto dir = root_ / std::to_string(pid);
@@ -47,7 +41,8 @@ protected:
         return ProcRunningApplications(std::move(options)).runningApplications();
     }
 
-    std::filesystem::path root_;
+    QTemporaryDir dir_;
+    std::filesystem::path root_ = dir_.path().toStdString();
 };
 
 TEST_F(ProcTree, ListsTheKnownApplicationsOfThisUserByProcessId) {

@@ -18,27 +18,21 @@ constexpr std::uint8_t shiftL = 50, shiftR = 62, capsLock = 66, controlL = 37, c
 // A pc105 "us" mapping as Xorg sets it up, optionally with XF86Fn on a spare
 // key code and Num Lock on another modifier.
 X11KeyRoles usRoles(bool withFn = false, int numLockRow = 4, bool capsIsControl = false) {
-    constexpr std::size_t perRow = 4;
-    std::vector<std::uint8_t> rows(8 * perRow, 0);
-    auto put = [&](std::size_t row, std::vector<std::uint8_t> keys) {
-        for (std::size_t i = 0; i < keys.size(); ++i) {
-            rows[row * perRow + i] = keys[i];
-        }
-    };
-    put(0, {shiftL, shiftR});
-    put(1, capsIsControl ? std::vector<std::uint8_t>{} : std::vector<std::uint8_t>{capsLock});
-    put(2, capsIsControl ? std::vector<std::uint8_t>{controlL, controlR, capsLock}
-                         : std::vector<std::uint8_t>{controlL, controlR});
-    put(3, {altL, altR});
-    put(static_cast<std::size_t>(numLockRow), {numLock});
-    put(6, {superL, superR});
-    put(7, {altGr});
+    // Up to four key codes for each of the eight modifiers: shift, lock,
+    // control, mod1 to mod5.
+    std::vector<std::uint8_t> rows = {
+        shiftL,  shiftR, 0, 0, capsLock, 0, 0, 0, controlL, controlR, 0, 0, altL,  altR, 0, 0,
+        numLock, 0,      0, 0, 0,        0, 0, 0, superL,   superR,   0, 0, altGr, 0,    0, 0};
+    std::swap(rows[4 * 4], rows[4 * static_cast<std::size_t>(numLockRow)]);
+    if (capsIsControl) {
+        std::swap(rows[4], rows[2 * 4 + 2]);
+    }
     std::vector<std::uint32_t> keysyms(2 * 248, 0);
     keysyms[2 * (numLock - 8)] = X11KeyRoles::numLockKeysym;
     if (withFn) {
         keysyms[2 * (spareFn - 8) + 1] = X11KeyRoles::fnKeysym;
     }
-    return X11KeyRoles::fromMapping(rows, perRow, 8, 2, keysyms);
+    return X11KeyRoles::fromMapping(rows, 4, 8, 2, keysyms);
 }
 
 // Each key grabbed with its modifiers under every combination of the locks.
