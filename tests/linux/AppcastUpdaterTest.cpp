@@ -96,7 +96,7 @@ TEST(AppcastFeed, ComparesVersionsNumericallyByComponent) {
     }
 }
 
-TEST(AppcastFeed, ReadsItemsOfBothFeedStyles) {
+TEST(AppcastFeed, ReadsItemsOfBothFeedStylesAndRejectsOtherDocuments) {
     const QByteArray xml = appcast(item("12", "1.2.0") +
                                    // The older style: versions on the enclosure.
                                    R"(<item><title>Old</title><link>https://example.org/1.1</link>
@@ -112,15 +112,13 @@ TEST(AppcastFeed, ReadsItemsOfBothFeedStyles) {
                          {"Old", "11", "1.1", "", "https://example.org/1.1.tgz"}}))
         << "an item without a version is no release";
     EXPECT_EQ(AppcastFeed::newest(items), &items[0]);
-}
 
-TEST(AppcastFeed, RejectsWhatIsNoAppcast) {
     for (const QByteArray& text : {QByteArray("<html><body>Not found</body></html>"),
                                    QByteArray(""), QByteArray("{\"version\": 2}")}) {
-        const auto parsed = AppcastFeed::parse(text);
-        ASSERT_TRUE(std::holds_alternative<std::string>(parsed)) << text.toStdString();
-        EXPECT_EQ(std::get<std::string>(parsed).rfind("The update feed is not", 0), 0u)
-            << std::get<std::string>(parsed);
+        const auto rejected = AppcastFeed::parse(text);
+        ASSERT_TRUE(std::holds_alternative<std::string>(rejected)) << text.toStdString();
+        EXPECT_EQ(std::get<std::string>(rejected).rfind("The update feed is not", 0), 0u)
+            << std::get<std::string>(rejected);
     }
 }
 

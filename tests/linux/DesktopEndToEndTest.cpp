@@ -58,6 +58,12 @@ protected:
 };
 
 TEST_F(AtspiTrust, FollowsTheDesktopSwitchAndOnlyThePromptTurnsItOn) {
+    // Applications that export their tree anyway need no switch.
+    AtspiAccessibility alwaysOn(AtspiAccessibility::Options{.alwaysOn = true});
+    EXPECT_TRUE(alwaysOn.isProcessTrusted(false));
+    EXPECT_TRUE(alwaysOn.isProcessTrusted(true));
+    EXPECT_EQ(switch_.isEnabled(), false) << "a trusted process prompted anyway";
+
     AtspiAccessibility ax(AtspiAccessibility::Options{.alwaysOn = false});
     EXPECT_FALSE(ax.isProcessTrusted(false));
     EXPECT_EQ(switch_.isEnabled(), false) << "asking without a prompt changed the switch";
@@ -69,13 +75,6 @@ TEST_F(AtspiTrust, FollowsTheDesktopSwitchAndOnlyThePromptTurnsItOn) {
 
     ASSERT_TRUE(switch_.setEnabled(false));
     EXPECT_FALSE(ax.isProcessTrusted(false));
-}
-
-TEST_F(AtspiTrust, AlwaysOnApplicationsNeedNoSwitch) {
-    AtspiAccessibility ax(AtspiAccessibility::Options{.alwaysOn = true});
-    EXPECT_TRUE(ax.isProcessTrusted(false));
-    EXPECT_TRUE(ax.isProcessTrusted(true));
-    EXPECT_EQ(switch_.isEnabled(), false) << "a trusted process prompted anyway";
 }
 
 TEST_F(AtspiTrust, AnUnreachableBusIsDisabledAccessibilityAndNeverPrompts) {

@@ -56,6 +56,8 @@ TEST_F(ProcTree, ListsTheKnownApplicationsOfThisUserByProcessId) {
 
     EXPECT_THAT(list(), ElementsAre(App("us.zoom.xos", 120), App("app.tuple.app", 200),
                                     App("us.zoom.xos", 300)));
+    EXPECT_THAT(ProcRunningApplications({.procRoot = "/nonexistent/proc"}).runningApplications(),
+                IsEmpty());
 }
 
 TEST_F(ProcTree, SkipsProcessesThatAreGoneOrNotOurs) {
@@ -115,11 +117,6 @@ TEST_F(ProcTree, PutsProcessesWithAnAccessibleApplicationFirstOnlyWhenABundleHas
     EXPECT_THAT(list({.registeredProcesses = registered}),
                 ElementsAre(App("app.tuple.app", 60), App("us.zoom.xos", 70)));
     EXPECT_EQ(asked, 1) << "the bus was asked although no bundle had two processes";
-}
-
-TEST(ProcRunningApplications, AMissingProcTreeListsNothing) {
-    EXPECT_THAT(ProcRunningApplications({.procRoot = "/nonexistent/proc"}).runningApplications(),
-                IsEmpty());
 }
 
 TEST(AppIdentities, ParsesTheEnvironmentsExtraIdentitiesAndSkipsMalformedOnes) {
