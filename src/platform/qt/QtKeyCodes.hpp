@@ -12,6 +12,14 @@ namespace hg {
 // converted from their native codes, which also tell left from right.
 namespace qtkeys {
 
+// Whether Qt reads this platform's keyboard the macOS way (ControlModifier is
+// the command key); the `macLayout` arguments below take it on real events.
+#ifdef Q_OS_MACOS
+inline constexpr bool platformMacLayout = true;
+#else
+inline constexpr bool platformMacLayout = false;
+#endif
+
 // The macOS virtual key code of the physical key that gives `key` on a US
 // layout. Shifted punctuation ("!", "?") maps to its unshifted key; keypad keys
 // are told apart by `keypad`; `macLayout` as below. Nothing for keys without

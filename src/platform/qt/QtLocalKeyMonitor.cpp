@@ -10,12 +10,6 @@ namespace hg {
 
 namespace {
 
-#ifdef Q_OS_MACOS
-constexpr bool macLayout = true;
-#else
-constexpr bool macLayout = false;
-#endif
-
 bool isKeyEvent(const QEvent* event) {
     return event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease ||
            event->type() == QEvent::ShortcutOverride;
@@ -57,13 +51,14 @@ std::optional<LocalKeyEvent> QtLocalKeyMonitor::translate(const QKeyEvent& event
         code = converter_(event);
     }
     if (!code) {
-        code = qtkeys::macKeyCode(key, event.modifiers().testFlag(Qt::KeypadModifier), macLayout);
+        code = qtkeys::macKeyCode(key, event.modifiers().testFlag(Qt::KeypadModifier),
+                                  qtkeys::platformMacLayout);
     }
     // QKeyEvent::modifiers() already folds in the modifier key of the event
     // itself for Shift, Control, Alt and Meta, but not for Super or AltGr;
     // setting or clearing the key's own bit covers them all.
-    std::uint64_t flags = qtkeys::macModifierFlags(event.modifiers(), macLayout);
-    const std::uint64_t bit = qtkeys::modifierBit(key, macLayout);
+    std::uint64_t flags = qtkeys::macModifierFlags(event.modifiers(), qtkeys::platformMacLayout);
+    const std::uint64_t bit = qtkeys::modifierBit(key, qtkeys::platformMacLayout);
     const bool press = event.type() == QEvent::KeyPress;
     if (bit != 0 || key == Qt::Key_CapsLock) {
         if (!code) {

@@ -9,16 +9,6 @@
 
 namespace hg {
 
-namespace {
-
-#ifdef Q_OS_MACOS
-constexpr bool macLayout = true;
-#else
-constexpr bool macLayout = false;
-#endif
-
-} // namespace
-
 TrayStatusItem::TrayStatusItem(LineSink& out, ModifierQuery modifiers)
     : out_(out), modifiers_(modifiers ? std::move(modifiers)
                                       : ModifierQuery(&QGuiApplication::queryKeyboardModifiers)),
@@ -33,7 +23,8 @@ TrayStatusItem::TrayStatusItem(LineSink& out, ModifierQuery modifiers)
     // click opens the same menu, as it does on macOS.
     connect(&tray_, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (!macLayout && reason == QSystemTrayIcon::Trigger && !menu_.isVisible()) {
+                if (!qtkeys::platformMacLayout && reason == QSystemTrayIcon::Trigger &&
+                    !menu_.isVisible()) {
                     menu_.popup(QCursor::pos());
                 }
             });
@@ -97,7 +88,7 @@ void TrayStatusItem::menuAboutToShow() {
     opening_ = true;
     open_ = true;
     if (handler_ != nullptr) {
-        handler_->menuWillOpen(qtkeys::macModifierFlags(modifiers_(), macLayout));
+        handler_->menuWillOpen(qtkeys::macModifierFlags(modifiers_(), qtkeys::platformMacLayout));
     }
     opening_ = false;
 }
