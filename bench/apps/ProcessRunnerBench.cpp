@@ -2,7 +2,7 @@
 // a bare posix_spawn + waitpid of the same script. The difference is what
 // the pipes, the poll loop and the time-out watch cost on top of starting a
 // process; the goal is a ratio of at most 1.10.
-#include "platform/posix/PosixProcessRunner.hpp"
+#include "backends/posix/PosixProcessRunner.hpp"
 
 #include <array>
 #include <benchmark/benchmark.h>

@@ -5,14 +5,14 @@
 #include "core/UserData.hpp"
 #include "core/Watcher.hpp"
 #include "menu/GremlinMenu.hpp"
-#include "platform/fake/FakeAccessibility.hpp"
-#include "platform/fake/FakeClock.hpp"
-#include "platform/fake/FakeFileSystem.hpp"
-#include "platform/fake/FakeProcessRunner.hpp"
-#include "platform/fake/FakeRunningApplications.hpp"
-#include "platform/fake/FakeStatusItem.hpp"
-#include "platform/fake/FakeTimers.hpp"
-#include "platform/fake/FakeUserDefaults.hpp"
+#include "backends/fake/FakeAccessibility.hpp"
+#include "backends/fake/FakeClock.hpp"
+#include "backends/fake/FakeFileSystem.hpp"
+#include "backends/fake/FakeProcessRunner.hpp"
+#include "backends/fake/FakeRunningApplications.hpp"
+#include "backends/fake/FakeStatusItem.hpp"
+#include "backends/fake/FakeTimers.hpp"
+#include "backends/fake/FakeUserDefaults.hpp"
 
 #include <benchmark/benchmark.h>
 

@@ -2,7 +2,7 @@
 // makes the system disable the tap. Each measured event includes the stored
 // shortcut's read from the in-memory defaults and its JSON decode.
 #include "TapBenchCases.hpp"
-#include "platform/fake/FakeUserDefaults.hpp"
+#include "backends/fake/FakeUserDefaults.hpp"
 
 namespace {
 

@@ -5,8 +5,8 @@
 // and release, so the store is part of the cost.
 #include "hotkey/GlobalHotkeyMonitor.hpp"
 #include "hotkey/Hotkey.hpp"
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeEventTap.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeEventTap.hpp"
 
 #include <benchmark/benchmark.h>
 

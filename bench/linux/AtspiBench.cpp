@@ -4,8 +4,8 @@
 
 #include "DesktopSession.hpp"
 #include "apps/ZoomMeetingApp.hpp"
-#include "platform/linux/AtspiAccessibility.hpp"
-#include "platform/linux/ProcRunningApplications.hpp"
+#include "backends/linux/AtspiAccessibility.hpp"
+#include "backends/linux/ProcRunningApplications.hpp"
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>

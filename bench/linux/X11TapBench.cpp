@@ -7,9 +7,9 @@
 #include "DesktopSession.hpp"
 #include "hotkey/GlobalHotkeyMonitor.hpp"
 #include "hotkey/ModifierKeys.hpp"
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeUserDefaults.hpp"
-#include "platform/linux/X11EventTap.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeUserDefaults.hpp"
+#include "backends/linux/X11EventTap.hpp"
 
 #include <QGuiApplication>
 #include <benchmark/benchmark.h>

@@ -2,7 +2,7 @@
 // stored shortcut each time. Here the store is the desktop program's own:
 // QSettings over an INI file, read from its in-memory cache.
 #include "../hotkey/TapBenchCases.hpp"
-#include "platform/qt/QtUserDefaults.hpp"
+#include "shells/qt/QtUserDefaults.hpp"
 
 #include <QTemporaryDir>
 

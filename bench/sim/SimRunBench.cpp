@@ -1,7 +1,7 @@
 // Runs simulator scripts of several virtual hours with the output discarded:
 // every second a watcher tick reads Zoom's menu bar and runs Tuple's tool.
 // Reported per run, with the virtual seconds covered per real second.
-#include "sim/SimInterpreter.hpp"
+#include "shells/sim/SimInterpreter.hpp"
 
 #include <benchmark/benchmark.h>
 #include <sstream>

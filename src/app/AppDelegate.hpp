@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Platform.hpp"
+#include "ports/Platform.hpp"
 
 #include <map>
 #include <memory>

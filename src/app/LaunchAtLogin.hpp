@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/Observable.hpp"
-#include "platform/LoginItems.hpp"
+#include "ports/LoginItems.hpp"
 
 namespace hg {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Windows.hpp"
+#include "ports/Windows.hpp"
 
 #include <cstdint>
 #include <optional>

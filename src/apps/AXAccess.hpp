@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/Accessibility.hpp"
-#include "platform/LineSink.hpp"
-#include "platform/RunningApplications.hpp"
+#include "ports/Accessibility.hpp"
+#include "ports/LineSink.hpp"
+#include "ports/RunningApplications.hpp"
 
 #include <optional>
 #include <string_view>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/RunningApplications.hpp"
+#include "ports/RunningApplications.hpp"
 
 #include <optional>
 #include <string_view>

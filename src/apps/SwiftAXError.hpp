@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Accessibility.hpp"
+#include "ports/Accessibility.hpp"
 
 #include <exception>
 

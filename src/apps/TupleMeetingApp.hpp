@@ -1,10 +1,10 @@
 #pragma once
 
 #include "core/MeetingApp.hpp"
-#include "platform/FileSystem.hpp"
-#include "platform/LineSink.hpp"
-#include "platform/ProcessRunner.hpp"
-#include "platform/RunningApplications.hpp"
+#include "ports/FileSystem.hpp"
+#include "ports/LineSink.hpp"
+#include "ports/ProcessRunner.hpp"
+#include "ports/RunningApplications.hpp"
 
 #include <optional>
 #include <string>

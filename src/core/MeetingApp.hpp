@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/MeetingStatus.hpp"
-#include "core/SetupView.hpp"
+#include "ports/SetupView.hpp"
 
 #include <functional>
 #include <string>

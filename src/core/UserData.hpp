@@ -4,8 +4,8 @@
 #include "core/MeetingStatus.hpp"
 #include "core/Observable.hpp"
 #include "core/StatusSet.hpp"
-#include "platform/Clock.hpp"
-#include "platform/LineSink.hpp"
+#include "ports/Clock.hpp"
+#include "ports/LineSink.hpp"
 
 #include <cstdint>
 #include <memory>

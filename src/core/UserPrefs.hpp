@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/Observable.hpp"
-#include "platform/UserDefaults.hpp"
+#include "ports/UserDefaults.hpp"
 
 #include <functional>
 #include <string_view>

@@ -2,10 +2,10 @@
 
 #include "core/MeetingApp.hpp"
 #include "core/UserData.hpp"
-#include "platform/Accessibility.hpp"
-#include "platform/LineSink.hpp"
-#include "platform/Timers.hpp"
-#include "platform/UserDefaults.hpp"
+#include "ports/Accessibility.hpp"
+#include "ports/LineSink.hpp"
+#include "ports/Timers.hpp"
+#include "ports/UserDefaults.hpp"
 
 #include <functional>
 #include <memory>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Clock.hpp"
-#include "platform/LineSink.hpp"
+#include "ports/Clock.hpp"
+#include "ports/LineSink.hpp"
 
 #include <chrono>
 

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "hotkey/Hotkey.hpp"
-#include "platform/EventTap.hpp"
-#include "platform/LineSink.hpp"
-#include "platform/UserDefaults.hpp"
+#include "ports/EventTap.hpp"
+#include "ports/LineSink.hpp"
+#include "ports/UserDefaults.hpp"
 
 #include <functional>
 #include <optional>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "hotkey/ModifierKeys.hpp"
-#include "platform/KeyboardLayout.hpp"
-#include "platform/UserDefaults.hpp"
+#include "ports/KeyboardLayout.hpp"
+#include "ports/UserDefaults.hpp"
 
 #include <cstdint>
 #include <optional>

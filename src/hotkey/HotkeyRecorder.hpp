@@ -2,9 +2,9 @@
 
 #include "core/Observable.hpp"
 #include "hotkey/Hotkey.hpp"
-#include "platform/KeyboardLayout.hpp"
-#include "platform/LocalKeyMonitor.hpp"
-#include "platform/UserDefaults.hpp"
+#include "ports/KeyboardLayout.hpp"
+#include "ports/LocalKeyMonitor.hpp"
+#include "ports/UserDefaults.hpp"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/KeyboardLayout.hpp"
+#include "ports/KeyboardLayout.hpp"
 
 #include <cstdint>
 #include <optional>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/MeetingStatus.hpp"
-#include "platform/MenuModel.hpp"
-#include "platform/StatusItem.hpp"
+#include "ports/MenuModel.hpp"
+#include "ports/StatusItem.hpp"
 
 #include <cstdint>
 #include <functional>

@@ -1,6 +1,6 @@
 #include "app/LaunchAtLogin.hpp"
 
-#include "platform/fake/FakeLoginItems.hpp"
+#include "backends/fake/FakeLoginItems.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 #include "apps/TupleMeetingApp.hpp"
 
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeFileSystem.hpp"
-#include "platform/fake/FakeProcessRunner.hpp"
-#include "platform/fake/FakeRunningApplications.hpp"
-#include "platform/posix/PosixFileSystem.hpp"
-#include "platform/posix/PosixProcessRunner.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeFileSystem.hpp"
+#include "backends/fake/FakeProcessRunner.hpp"
+#include "backends/fake/FakeRunningApplications.hpp"
+#include "backends/posix/PosixFileSystem.hpp"
+#include "backends/posix/PosixProcessRunner.hpp"
 
 #include <cstdlib>
 #include <filesystem>

@@ -3,10 +3,10 @@
 #include "ZoomTree.hpp"
 #include "apps/ZoomMeetingApp.hpp"
 #include "menu/GremlinMenu.hpp"
-#include "platform/fake/FakeClock.hpp"
-#include "platform/fake/FakeStatusItem.hpp"
-#include "platform/fake/FakeTimers.hpp"
-#include "platform/fake/FakeUserDefaults.hpp"
+#include "backends/fake/FakeClock.hpp"
+#include "backends/fake/FakeStatusItem.hpp"
+#include "backends/fake/FakeTimers.hpp"
+#include "backends/fake/FakeUserDefaults.hpp"
 #include "support/ScriptedMeetingApp.hpp"
 
 #include <gtest/gtest.h>

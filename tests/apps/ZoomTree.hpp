@@ -1,8 +1,8 @@
 #pragma once
 
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeAccessibility.hpp"
-#include "platform/fake/FakeRunningApplications.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeAccessibility.hpp"
+#include "backends/fake/FakeRunningApplications.hpp"
 
 #include <string>
 #include <vector>

@@ -1,9 +1,9 @@
 #include "core/UserData.hpp"
 
 #include "menu/GremlinMenu.hpp"
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeClock.hpp"
-#include "platform/fake/FakeStatusItem.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeClock.hpp"
+#include "backends/fake/FakeStatusItem.hpp"
 #include "support/ScriptedMeetingApp.hpp"
 
 #include <gtest/gtest.h>

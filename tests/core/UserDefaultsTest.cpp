@@ -1,4 +1,4 @@
-#include "platform/fake/FakeUserDefaults.hpp"
+#include "backends/fake/FakeUserDefaults.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "core/UserPrefs.hpp"
 
-#include "platform/fake/FakeUserDefaults.hpp"
+#include "backends/fake/FakeUserDefaults.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 #include "hotkey/DoubleTap.hpp"
 
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeClock.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeClock.hpp"
 
 #include <gtest/gtest.h>
 #include <sstream>

@@ -2,11 +2,11 @@
 
 #include "KeyEvents.hpp"
 #include "hotkey/DoubleTap.hpp"
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeClock.hpp"
-#include "platform/fake/FakeEventTap.hpp"
-#include "platform/fake/FakeKeyboardLayout.hpp"
-#include "platform/fake/FakeUserDefaults.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeClock.hpp"
+#include "backends/fake/FakeEventTap.hpp"
+#include "backends/fake/FakeKeyboardLayout.hpp"
+#include "backends/fake/FakeUserDefaults.hpp"
 
 #include <algorithm>
 #include <cctype>

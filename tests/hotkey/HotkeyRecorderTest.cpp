@@ -1,9 +1,9 @@
 #include "hotkey/HotkeyRecorder.hpp"
 
 #include "KeyEvents.hpp"
-#include "platform/fake/FakeKeyboardLayout.hpp"
-#include "platform/fake/FakeLocalKeyMonitor.hpp"
-#include "platform/fake/FakeUserDefaults.hpp"
+#include "backends/fake/FakeKeyboardLayout.hpp"
+#include "backends/fake/FakeLocalKeyMonitor.hpp"
+#include "backends/fake/FakeUserDefaults.hpp"
 
 #include <gtest/gtest.h>
 #include <optional>

@@ -1,8 +1,8 @@
 #include "hotkey/Hotkey.hpp"
 
 #include "hotkey/KeyName.hpp"
-#include "platform/fake/FakeKeyboardLayout.hpp"
-#include "platform/fake/FakeUserDefaults.hpp"
+#include "backends/fake/FakeKeyboardLayout.hpp"
+#include "backends/fake/FakeUserDefaults.hpp"
 
 #include <gtest/gtest.h>
 #include <string>

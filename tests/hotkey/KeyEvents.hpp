@@ -1,8 +1,8 @@
 #pragma once
 
 #include "hotkey/ModifierKeys.hpp"
-#include "platform/EventTap.hpp"
-#include "platform/LocalKeyMonitor.hpp"
+#include "ports/EventTap.hpp"
+#include "ports/LocalKeyMonitor.hpp"
 
 #include <cstdint>
 

@@ -6,11 +6,11 @@
 #include "apps/AXAccess.hpp"
 #include "apps/SwiftAXError.hpp"
 #include "apps/ZoomMeetingApp.hpp"
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeAccessibility.hpp"
-#include "platform/fake/FakeRunningApplications.hpp"
-#include "platform/linux/AtspiAccessibility.hpp"
-#include "platform/linux/ProcRunningApplications.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeAccessibility.hpp"
+#include "backends/fake/FakeRunningApplications.hpp"
+#include "backends/linux/AtspiAccessibility.hpp"
+#include "backends/linux/ProcRunningApplications.hpp"
 
 #include <csignal>
 #include <gmock/gmock.h>

@@ -1,8 +1,8 @@
-#include "platform/qt/AppcastUpdater.hpp"
+#include "shells/qt/AppcastUpdater.hpp"
 
 #include "DesktopSession.hpp"
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/qt/AppcastFeed.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "shells/qt/AppcastFeed.hpp"
 
 #include <QTcpServer>
 #include <QTcpSocket>

@@ -1,13 +1,13 @@
 // Every D-Bus failure the backend can meet ends as one AXError, one the Zoom
 // adapter's accessibility layer knows: reading a menu bar prints its text.
 
-#include "platform/linux/AtspiErrors.hpp"
+#include "backends/linux/AtspiErrors.hpp"
 
 #include "apps/AXAccess.hpp"
 #include "apps/SwiftAXError.hpp"
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeAccessibility.hpp"
-#include "platform/fake/FakeRunningApplications.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeAccessibility.hpp"
+#include "backends/fake/FakeRunningApplications.hpp"
 
 #include <QDBusError>
 #include <gmock/gmock.h>

@@ -6,10 +6,10 @@
 #include "DesktopSession.hpp"
 #include "apps/AXAccess.hpp"
 #include "apps/SwiftAXError.hpp"
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeRunningApplications.hpp"
-#include "platform/linux/AtspiAccessibility.hpp"
-#include "platform/linux/AtspiBus.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeRunningApplications.hpp"
+#include "backends/linux/AtspiAccessibility.hpp"
+#include "backends/linux/AtspiBus.hpp"
 
 #include <QDBusArgument>
 #include <QDBusInterface>

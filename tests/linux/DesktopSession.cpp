@@ -1,6 +1,6 @@
 #include "DesktopSession.hpp"
 
-#include "platform/linux/AtspiAccessibility.hpp"
+#include "backends/linux/AtspiAccessibility.hpp"
 
 #include <QGuiApplication>
 #include <algorithm>

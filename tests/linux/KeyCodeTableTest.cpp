@@ -1,4 +1,4 @@
-#include "platform/linux/KeyCodeTable.hpp"
+#include "backends/linux/KeyCodeTable.hpp"
 
 #include <gtest/gtest.h>
 #include <set>

@@ -1,8 +1,8 @@
 // Running applications from a /proc tree made by the test.
 
-#include "platform/linux/ProcRunningApplications.hpp"
+#include "backends/linux/ProcRunningApplications.hpp"
 
-#include "platform/linux/AppIdentities.hpp"
+#include "backends/linux/AppIdentities.hpp"
 
 #include <QTemporaryDir>
 #include <filesystem>

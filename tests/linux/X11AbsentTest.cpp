@@ -4,10 +4,10 @@
 
 #include "hotkey/GlobalHotkeyMonitor.hpp"
 #include "hotkey/KeyName.hpp"
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeUserDefaults.hpp"
-#include "platform/linux/X11EventTap.hpp"
-#include "platform/linux/XkbKeyboardLayout.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeUserDefaults.hpp"
+#include "backends/linux/X11EventTap.hpp"
+#include "backends/linux/XkbKeyboardLayout.hpp"
 
 #include <QGuiApplication>
 #include <cstdlib>

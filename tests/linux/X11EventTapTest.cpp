@@ -1,13 +1,13 @@
 // The X11 shortcut tap on the private display, typed into with xdotool while
 // a window of this process has the keyboard focus.
 
-#include "platform/linux/X11EventTap.hpp"
+#include "backends/linux/X11EventTap.hpp"
 
 #include "DesktopSession.hpp"
 #include "hotkey/GlobalHotkeyMonitor.hpp"
 #include "hotkey/ModifierKeys.hpp"
-#include "platform/fake/BufferLineSink.hpp"
-#include "platform/fake/FakeUserDefaults.hpp"
+#include "backends/fake/BufferLineSink.hpp"
+#include "backends/fake/FakeUserDefaults.hpp"
 
 #include <QKeyEvent>
 #include <QRasterWindow>

@@ -1,6 +1,6 @@
 #include "hotkey/ModifierKeys.hpp"
-#include "platform/linux/X11GrabPlan.hpp"
-#include "platform/linux/X11KeyTranslator.hpp"
+#include "backends/linux/X11GrabPlan.hpp"
+#include "backends/linux/X11KeyTranslator.hpp"
 
 #include <algorithm>
 #include <gtest/gtest.h>

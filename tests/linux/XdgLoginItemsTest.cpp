@@ -1,4 +1,4 @@
-#include "platform/linux/XdgLoginItems.hpp"
+#include "backends/linux/XdgLoginItems.hpp"
 
 #include <QDir>
 #include <QFile>

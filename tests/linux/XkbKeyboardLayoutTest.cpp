@@ -1,4 +1,4 @@
-#include "platform/linux/XkbKeyboardLayout.hpp"
+#include "backends/linux/XkbKeyboardLayout.hpp"
 
 #include "DesktopSession.hpp"
 #include "hotkey/KeyName.hpp"

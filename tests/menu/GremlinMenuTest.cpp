@@ -1,6 +1,6 @@
 #include "menu/GremlinMenu.hpp"
 
-#include "platform/fake/FakeStatusItem.hpp"
+#include "backends/fake/FakeStatusItem.hpp"
 
 #include <gtest/gtest.h>
 #include <map>

@@ -2,11 +2,11 @@
 // monitor's translation and consumption of keys, and the timers.
 #include "core/UserPrefs.hpp"
 #include "hotkey/Hotkey.hpp"
-#include "platform/fake/FakeClock.hpp"
-#include "platform/qt/BriefRunningApplicationsCache.hpp"
-#include "platform/qt/QtLocalKeyMonitor.hpp"
-#include "platform/qt/QtTimers.hpp"
-#include "platform/qt/QtUserDefaults.hpp"
+#include "backends/fake/FakeClock.hpp"
+#include "shells/qt/BriefRunningApplicationsCache.hpp"
+#include "shells/qt/QtLocalKeyMonitor.hpp"
+#include "shells/qt/QtTimers.hpp"
+#include "shells/qt/QtUserDefaults.hpp"
 
 #include <QFile>
 #include <QKeyEvent>

@@ -1,9 +1,9 @@
 // The tray menu as the user sees it: rows, icon, the hidden debug row, and
 // the rule that an open menu is never changed under the pointer.
-#include "platform/qt/TrayStatusItem.hpp"
+#include "shells/qt/TrayStatusItem.hpp"
 
 #include "menu/GremlinMenu.hpp"
-#include "platform/fake/BufferLineSink.hpp"
+#include "backends/fake/BufferLineSink.hpp"
 
 #include <QAction>
 #include <QImage>

@@ -1,4 +1,4 @@
-#include "sim/ScriptTokenizer.hpp"
+#include "shells/sim/ScriptTokenizer.hpp"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "sim/SimInterpreter.hpp"
+#include "shells/sim/SimInterpreter.hpp"
 
 #include <gtest/gtest.h>
 #include <sstream>

@@ -2,7 +2,7 @@
 // simulator script of N virtual minutes (default a day) and checks the
 // application's invariants after every step. Exit status 1 on the first broken
 // invariant, with the script that led there.
-#include "sim/SimInterpreter.hpp"
+#include "shells/sim/SimInterpreter.hpp"
 #include "soak/SoakChecks.hpp"
 #include "soak/SoakScript.hpp"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sim/SimDesktop.hpp"
+#include "shells/sim/SimDesktop.hpp"
 
 #include <random>
 #include <string>

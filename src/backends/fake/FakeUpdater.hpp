@@ -1,0 +1,42 @@
+#pragma once
+
+#include "ports/Updater.hpp"
+
+#include <functional>
+
+namespace hg {
+
+// An update framework that finds an update only when told to.
+class FakeUpdater final : public Updater {
+public:
+    void start(std::function<void()> validUpdateFound) override {
+        ++starts_;
+        validUpdateFound_ = std::move(validUpdateFound);
+    }
+    void checkForUpdates() override {
+        ++checks_;
+        if (onCheck) {
+            onCheck();
+        }
+    }
+
+    // A check (scheduled or not) found a valid update: the delegate is told.
+    void reportValidUpdate() {
+        if (validUpdateFound_) {
+            validUpdateFound_();
+        }
+    }
+
+    [[nodiscard]] int startCount() const { return starts_; }
+    [[nodiscard]] int checkCount() const { return checks_; }
+
+    // Called for every user-initiated check.
+    std::function<void()> onCheck;
+
+private:
+    std::function<void()> validUpdateFound_;
+    int starts_ = 0;
+    int checks_ = 0;
+};
+
+} // namespace hg

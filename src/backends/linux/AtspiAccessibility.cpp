@@ -1,0 +1,310 @@
+#include "backends/linux/AtspiAccessibility.hpp"
+
+#include "backends/linux/AtspiElement.hpp"
+#include "backends/linux/AtspiErrors.hpp"
+#include "backends/linux/AtspiReplies.hpp"
+#include "backends/linux/AtspiRoles.hpp"
+
+#include <algorithm>
+
+namespace hg {
+
+namespace {
+
+const QString registryService = QStringLiteral("org.a11y.atspi.Registry");
+const QString rootPath = QStringLiteral("/org/a11y/atspi/accessible/root");
+const QString accessibleInterface = QStringLiteral("org.a11y.atspi.Accessible");
+const QString actionInterface = QStringLiteral("org.a11y.atspi.Action");
+
+// AtspiStateType bits.
+constexpr unsigned stateEnabled = 8;
+constexpr unsigned stateSensitive = 24;
+
+AXError failureCode(const char* name) {
+    return axErrorFor(QLatin1String(name));
+}
+
+AXCopyResult failed(AXError code) {
+    return AXCopyResult{code, std::monostate{}};
+}
+
+} // namespace
+
+AtspiAccessibility::AtspiAccessibility() : AtspiAccessibility(Options{}) {}
+
+AtspiAccessibility::AtspiAccessibility(Options options)
+    : bus_(options.timeout), alwaysOn_(options.alwaysOn.value_or(
+                                 qEnvironmentVariableIsSet("QT_LINUX_ACCESSIBILITY_ALWAYS_ON"))) {}
+
+bool AtspiAccessibility::isProcessTrusted(bool prompt) {
+    if (!bus_.connect()) {
+        return false;
+    }
+    if (alwaysOn_ || bus_.isEnabled().value_or(false)) {
+        return true;
+    }
+    if (prompt) {
+        bus_.setEnabled(true);
+    }
+    return false;
+}
+
+std::optional<ProcessId> AtspiAccessibility::processOf(const QString& service) {
+    if (processesGeneration_ != bus_.generation()) {
+        processes_.clear();
+        processesGeneration_ = bus_.generation();
+    }
+    if (const auto it = processes_.find(service); it != processes_.end()) {
+        return it->second;
+    }
+    const AtspiReply reply =
+        bus_.call(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+                  QStringLiteral("org.freedesktop.DBus"),
+                  QStringLiteral("GetConnectionUnixProcessID"), {QVariant(service)});
+    if (reply.error != ax::success || reply.arguments.size() != 1 ||
+        reply.arguments.front().typeId() != QMetaType::UInt) {
+        return std::nullopt;
+    }
+    const auto pid = static_cast<ProcessId>(reply.arguments.front().toUInt());
+    // The call may have reopened the bus; only a name of the current one is kept.
+    if (processesGeneration_ == bus_.generation()) {
+        processes_[service] = pid;
+    }
+    return pid;
+}
+
+AXError AtspiAccessibility::childRefs(const QString& service, const QString& path,
+                                      std::vector<AtspiObjectRef>& out) {
+    const AtspiReply reply =
+        bus_.call(service, path, accessibleInterface, QStringLiteral("GetChildren"));
+    if (reply.error != ax::success) {
+        return reply.error;
+    }
+    const auto refs =
+        reply.arguments.size() == 1 ? readObjectRefs(reply.arguments.front()) : std::nullopt;
+    if (!refs) {
+        return failureCode(atspiFailure::badReply);
+    }
+    out.assign(refs->begin(), refs->end());
+    for (auto& ref : out) {
+        // Some toolkits leave the bus name out for objects of their own.
+        if (ref.service.isEmpty()) {
+            ref.service = service;
+        }
+    }
+    return ax::success;
+}
+
+AXError AtspiAccessibility::roleNumber(const QString& service, const QString& path,
+                                       std::uint32_t& out) {
+    const AtspiReply reply =
+        bus_.call(service, path, accessibleInterface, QStringLiteral("GetRole"));
+    if (reply.error != ax::success) {
+        return reply.error;
+    }
+    if (reply.arguments.size() != 1 || reply.arguments.front().typeId() != QMetaType::UInt) {
+        return failureCode(atspiFailure::badReply);
+    }
+    out = reply.arguments.front().toUInt();
+    return ax::success;
+}
+
+void AtspiAccessibility::forgetUnregistered(const std::vector<AtspiObjectRef>& applications) {
+    std::erase_if(processes_, [&applications](const auto& entry) {
+        return std::none_of(
+            applications.begin(), applications.end(),
+            [&entry](const AtspiObjectRef& app) { return app.service == entry.first; });
+    });
+}
+
+AXElementRef AtspiAccessibility::createApplication(ProcessId pid) {
+    std::vector<AtspiObjectRef> applications;
+    if (const AXError code = childRefs(registryService, rootPath, applications);
+        code != ax::success) {
+        return AtspiElement::dead(code);
+    }
+    forgetUnregistered(applications);
+    for (const auto& application : applications) {
+        if (processOf(application.service) == pid) {
+            return std::make_shared<AtspiElement>(application.service, application.path,
+                                                  bus_.generation());
+        }
+    }
+    return AtspiElement::dead(failureCode(atspiFailure::noApplication));
+}
+
+std::vector<ProcessId> AtspiAccessibility::registeredProcessIds() {
+    std::vector<AtspiObjectRef> applications;
+    std::vector<ProcessId> pids;
+    if (childRefs(registryService, rootPath, applications) != ax::success) {
+        return pids;
+    }
+    forgetUnregistered(applications);
+    for (const auto& application : applications) {
+        if (const auto pid = processOf(application.service)) {
+            pids.push_back(*pid);
+        }
+    }
+    return pids;
+}
+
+AXError AtspiAccessibility::unusable(const AtspiElement& element) const {
+    if (element.failure() != ax::success) {
+        return element.failure();
+    }
+    // Bus names start over when the bus is opened anew: an old name may now
+    // belong to another application.
+    if (element.generation() != bus_.generation()) {
+        return failureCode(atspiFailure::noApplication);
+    }
+    return ax::success;
+}
+
+AXCopyResult AtspiAccessibility::copyAttributeValue(const AXElementRef& element,
+                                                    std::string_view attribute) {
+    const auto* atspi = dynamic_cast<const AtspiElement*>(element.get());
+    if (atspi == nullptr) {
+        return failed(ax::illegalArgument);
+    }
+    if (!bus_.connect()) {
+        return failed(failureCode(atspiFailure::busUnreachable));
+    }
+    if (const AXError code = unusable(*atspi); code != ax::success) {
+        return failed(code);
+    }
+    if (attribute == "AXChildren") {
+        return children(*atspi);
+    }
+    if (attribute == "AXRole") {
+        return role(*atspi);
+    }
+    if (attribute == "AXTitle") {
+        return title(*atspi);
+    }
+    if (attribute == "AXMenuBar") {
+        return menuBar(*atspi);
+    }
+    return failed(failureCode(atspiFailure::unknownAttribute));
+}
+
+AXCopyResult AtspiAccessibility::children(const AtspiElement& element) {
+    std::vector<AtspiObjectRef> refs;
+    if (const AXError code = childRefs(element.service(), element.path(), refs);
+        code != ax::success) {
+        return failed(code);
+    }
+    std::vector<AXElementRef> elements;
+    elements.reserve(refs.size());
+    for (auto& ref : refs) {
+        elements.push_back(std::make_shared<AtspiElement>(std::move(ref.service),
+                                                          std::move(ref.path), bus_.generation()));
+    }
+    return AXCopyResult{ax::success, std::move(elements)};
+}
+
+AXCopyResult AtspiAccessibility::role(const AtspiElement& element) {
+    std::uint32_t number = 0;
+    if (const AXError code = roleNumber(element.service(), element.path(), number);
+        code != ax::success) {
+        return failed(code);
+    }
+    return AXCopyResult{ax::success, std::string(axRoleName(number))};
+}
+
+AXCopyResult AtspiAccessibility::title(const AtspiElement& element) {
+    const AtspiReply reply = bus_.property(element.service(), element.path(), accessibleInterface,
+                                           QStringLiteral("Name"));
+    if (reply.error != ax::success) {
+        return failed(reply.error);
+    }
+    if (reply.arguments.front().typeId() != QMetaType::QString) {
+        return failed(failureCode(atspiFailure::badReply));
+    }
+    return AXCopyResult{ax::success, reply.arguments.front().toString().toStdString()};
+}
+
+AXCopyResult AtspiAccessibility::menuBar(const AtspiElement& element) {
+    std::vector<AtspiObjectRef> windows;
+    if (const AXError code = childRefs(element.service(), element.path(), windows);
+        code != ax::success) {
+        return failed(code);
+    }
+    for (const auto& window : windows) {
+        std::vector<AtspiObjectRef> parts;
+        if (const AXError code = childRefs(window.service, window.path, parts);
+            code != ax::success) {
+            return failed(code);
+        }
+        for (auto& part : parts) {
+            std::uint32_t number = 0;
+            if (const AXError code = roleNumber(part.service, part.path, number);
+                code != ax::success) {
+                return failed(code);
+            }
+            if (number == atspiRole::menuBar) {
+                return AXCopyResult{ax::success, AXElementRef(std::make_shared<AtspiElement>(
+                                                     std::move(part.service), std::move(part.path),
+                                                     bus_.generation()))};
+            }
+        }
+    }
+    return failed(failureCode(atspiFailure::noMenuBar));
+}
+
+AXError AtspiAccessibility::performAction(const AXElementRef& element, std::string_view action) {
+    const auto* atspi = dynamic_cast<const AtspiElement*>(element.get());
+    if (atspi == nullptr) {
+        return ax::illegalArgument;
+    }
+    if (!bus_.connect()) {
+        return failureCode(atspiFailure::busUnreachable);
+    }
+    if (const AXError code = unusable(*atspi); code != ax::success) {
+        return code;
+    }
+    if (action != "AXPress") {
+        return failureCode(atspiFailure::noAction);
+    }
+
+    const AtspiReply state =
+        bus_.call(atspi->service(), atspi->path(), accessibleInterface, QStringLiteral("GetState"));
+    if (state.error != ax::success) {
+        return state.error;
+    }
+    const auto words =
+        state.arguments.size() == 1 ? readStateWords(state.arguments.front()) : std::nullopt;
+    if (!words) {
+        return failureCode(atspiFailure::badReply);
+    }
+    if (!hasState(*words, stateEnabled) && !hasState(*words, stateSensitive)) {
+        return failureCode(atspiFailure::disabled);
+    }
+
+    const AtspiReply actions =
+        bus_.call(atspi->service(), atspi->path(), actionInterface, QStringLiteral("GetActions"));
+    if (actions.error != ax::success) {
+        // An element without the action interface simply has no action.
+        const bool missing = actions.error == failureCode(atspiFailure::unknownAttribute);
+        return missing ? failureCode(atspiFailure::noAction) : actions.error;
+    }
+    const auto count =
+        actions.arguments.size() == 1 ? readActionCount(actions.arguments.front()) : std::nullopt;
+    if (!count) {
+        return failureCode(atspiFailure::badReply);
+    }
+    if (*count == 0) {
+        return failureCode(atspiFailure::noAction);
+    }
+
+    const AtspiReply done = bus_.call(atspi->service(), atspi->path(), actionInterface,
+                                      QStringLiteral("DoAction"), {QVariant(0)});
+    if (done.error != ax::success) {
+        return done.error;
+    }
+    if (done.arguments.size() != 1 || done.arguments.front().typeId() != QMetaType::Bool) {
+        return failureCode(atspiFailure::badReply);
+    }
+    return done.arguments.front().toBool() ? ax::success : failureCode(atspiFailure::actionRefused);
+}
+
+} // namespace hg

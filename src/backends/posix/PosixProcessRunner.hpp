@@ -1,0 +1,39 @@
+#pragma once
+
+#include "ports/ProcessRunner.hpp"
+
+#include <chrono>
+#include <cstddef>
+
+namespace hg {
+
+// Runs child processes with posix_spawn. The child inherits the environment
+// and working directory; its standard input is /dev/null, and standard
+// output and error are read through pipes while it runs, so a child that
+// writes more than a pipe holds never stalls. A child (with everything it
+// started) that is still running, or still holding the pipes, when the
+// time-out passes is killed with SIGKILL; the result then reads as ended by
+// that signal (exit status 9).
+class PosixProcessRunner final : public ProcessRunner {
+public:
+    // A command-line tool that answers a status query in more than this is
+    // taken to hang; the caller blocks the user interface meanwhile.
+    static constexpr std::chrono::milliseconds defaultTimeout{5000};
+
+    // More than this per stream is read and dropped, so that a runaway child
+    // cannot exhaust memory before the time-out.
+    static constexpr std::size_t maxCapturedBytes = 16 * 1024 * 1024;
+
+    explicit PosixProcessRunner(std::chrono::milliseconds timeout = defaultTimeout)
+        : timeout_(timeout) {}
+
+    // A launch failure (missing file, no permission, not an executable) comes
+    // back as launchError with the system's text, e.g. "Permission denied".
+    ProcessResult run(const std::string& executable,
+                      const std::vector<std::string>& arguments) override;
+
+private:
+    std::chrono::milliseconds timeout_;
+};
+
+} // namespace hg

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "ports/LoginItems.hpp"
+
+namespace hg {
+
+// The system log through Qt's logging: the journal when Qt was built with it
+// and the program runs under systemd, standard error otherwise. Category
+// "app.hushgremlin.launchatlogin".
+class QtUnifiedLog final : public UnifiedLog {
+public:
+    void error(const std::string& message) override;
+};
+
+} // namespace hg

@@ -1,0 +1,53 @@
+// The desktop program: a tray icon with its menu, the windows, and the
+// global shortcut, built by the same application delegate as the simulator.
+#include "app/AppDelegate.hpp"
+#include "shells/qt/DesktopPlatform.hpp"
+#include "shells/qt/QuitOnSignal.hpp"
+#include "shells/qt/TrayStatusItem.hpp"
+#include "shells/qt/views/NamedImages.hpp"
+
+#include <QApplication>
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QTimer>
+#include <string>
+
+int main(int argc, char* argv[]) {
+    QElapsedTimer sinceMain;
+    sinceMain.start();
+
+    QApplication app(argc, argv);
+    // The settings live where these names put them: on Linux in
+    // ~/.config/HushGremlin/HushGremlin.conf; on macOS in the defaults domain
+    // "app.hushgremlin.HushGremlin" (the reversed organization domain and the
+    // application name), which the bundle's identifier must match so that the
+    // program's settings are its own user defaults.
+    QCoreApplication::setOrganizationName(QStringLiteral("HushGremlin"));
+    QCoreApplication::setOrganizationDomain(QStringLiteral("hushgremlin.app"));
+    QCoreApplication::setApplicationName(QStringLiteral("HushGremlin"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(HG_VERSION));
+    // No display name: on X11 Qt would append it to every window title.
+    QApplication::setWindowIcon(hg::views::namedIcon("AppIcon"));
+    // A tray program: closing its last window does not end it.
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    hg::QuitOnSignal quitOnSignal;
+    hg::DesktopPlatform desktop;
+    hg::AppDelegate delegate(desktop.platform());
+
+    if (qEnvironmentVariableIsSet("HG_TRACE_STARTUP")) {
+        desktop.tray().setShownCallback([&desktop, &sinceMain] {
+            desktop.platform().out.line("startup: tray icon shown at " +
+                                        std::to_string(QDateTime::currentMSecsSinceEpoch()) +
+                                        " ms since the epoch, " +
+                                        std::to_string(sinceMain.elapsed()) + " ms after main");
+        });
+    }
+    // Every way of quitting (the Quit row, a signal, the session ending)
+    // passes here once.
+    QObject::connect(&app, &QCoreApplication::aboutToQuit, &app,
+                     [&delegate] { delegate.applicationWillTerminate(); });
+    // Launching has finished once the event loop runs.
+    QTimer::singleShot(0, &app, [&delegate] { delegate.startUp(); });
+    return QApplication::exec();
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "shells/qt/views/RedrawScheduler.hpp"
+
+#include <QCheckBox>
+
+namespace hg {
+
+class LaunchAtLogin;
+
+namespace views {
+
+// The launch-at-login switch: shows the live state of the login item and
+// turns it on or off when the user clicks it. Redraws whenever the component
+// announces a change, so several toggles stay in step. `launchAtLogin` must
+// outlive the toggle.
+class LaunchAtLoginToggle final : public QCheckBox {
+    Q_OBJECT
+
+public:
+    LaunchAtLoginToggle(LaunchAtLogin& launchAtLogin, const QString& label,
+                        QWidget* parent = nullptr);
+
+private:
+    void redraw();
+
+    LaunchAtLogin& launchAtLogin_;
+    RedrawScheduler redraw_;
+};
+
+} // namespace views
+} // namespace hg

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "shells/qt/views/RedrawScheduler.hpp"
+
+#include <QWidget>
+#include <functional>
+
+class QCheckBox;
+class QPushButton;
+
+namespace hg {
+
+class HotkeyRecorder;
+class LaunchAtLogin;
+class UserPrefs;
+
+namespace views {
+
+// The preferences: the shortcut field, the launch-at-login switch, the
+// mute-on-join switches and the update and About buttons. Keeps nothing of
+// its own: every switch writes its object at once and redraws when the
+// object announces a change. The objects must outlive the view.
+class PrefsView final : public QWidget {
+    Q_OBJECT
+
+public:
+    PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& launchAtLogin,
+              std::function<void()> showAbout, QWidget* parent = nullptr);
+
+    [[nodiscard]] QCheckBox& zoomToggle() { return *zoom_; }
+    [[nodiscard]] QCheckBox& tupleToggle() { return *tuple_; }
+
+private:
+    void redraw();
+
+    UserPrefs& prefs_;
+    std::function<void()> showAbout_;
+    QCheckBox* zoom_ = nullptr;
+    QCheckBox* tuple_ = nullptr;
+    RedrawScheduler redraw_;
+};
+
+} // namespace views
+} // namespace hg
