@@ -1,0 +1,50 @@
+#include "backends/macos/CFRef.hpp"
+#include "backends/macos/MacEventTap.hpp"
+#include "backends/macos/MacKeyboardLayout.hpp"
+#include "hotkey/Hotkey.hpp"
+
+#import <ApplicationServices/ApplicationServices.h>
+#import <Carbon/Carbon.h>
+#import <Foundation/Foundation.h>
+#include <gtest/gtest.h>
+
+namespace hg {
+namespace {
+
+// The monitor compares stored AppKit modifier bits with Core Graphics event
+// flags directly; this holds only while both name the same bits.
+TEST(MacEventTapTest, ReadsTheKeyboardFieldsOfAnEvent) {
+    const auto event = CFRef<CGEventRef>::adopt(CGEventCreateKeyboardEvent(nullptr, 40, true));
+    ASSERT_TRUE(event);
+    CGEventSetFlags(event.get(), kCGEventFlagMaskControl | kCGEventFlagMaskCommand);
+    CGEventSetIntegerValueField(event.get(), kCGKeyboardEventAutorepeat, 1);
+
+    const TapEvent down = tapEventFromCGEvent(kCGEventKeyDown, event.get());
+    EXPECT_EQ(down.type, tapevent::keyDown);
+    EXPECT_EQ(down.keyCode, 40);
+    EXPECT_EQ(down.flags & Hotkey::significantMask, modifier::control | modifier::command);
+    EXPECT_EQ(down.autorepeat, 1);
+
+    const TapEvent disabled = tapEventFromCGEvent(kCGEventTapDisabledByTimeout, event.get());
+    EXPECT_EQ(disabled.type, tapevent::disabledByTimeout);
+    EXPECT_EQ(disabled.keyCode, 0);
+}
+
+TEST(MacKeyboardLayoutTest, NamesKeysOnTheUSLayout) {
+    const auto source = CFRef<TISInputSourceRef>::adopt(TISCopyCurrentKeyboardInputSource());
+    NSString* name =
+        source
+            ? (__bridge NSString*)TISGetInputSourceProperty(source.get(), kTISPropertyInputSourceID)
+            : nil;
+    if (!([name isEqualToString:@"com.apple.keylayout.US"] ||
+          [name isEqualToString:@"com.apple.keylayout.ABC"])) {
+        GTEST_SKIP() << "the current input source is not the US layout";
+    }
+    const MacKeyboardLayout layout;
+    EXPECT_EQ(layout.displayText(0), "A");
+    EXPECT_EQ((Hotkey{40, modifier::control | modifier::command}.displayString(&layout)),
+              "\u2303\u2318K");
+}
+
+} // namespace
+} // namespace hg
