@@ -93,14 +93,16 @@ WindowId MacWindows::create(WindowSpec description) {
     }
     window.contentView = (__bridge_transfer NSView*)mac::makeContentView(description.content);
 
+    // Naming the frame may already restore it; the explicit restore says
+    // whether there was one. A frame moved back onto a screen is saved so.
     NSString* autosaveName = toNSString(description.frameAutosaveName);
+    if (autosaveName.length > 0) {
+        [window setFrameAutosaveName:autosaveName];
+    }
     if (autosaveName.length > 0 && [window setFrameUsingName:autosaveName]) {
         bringOntoScreen(window);
     } else {
         [window center];
-    }
-    if (autosaveName.length > 0) {
-        [window setFrameAutosaveName:autosaveName];
     }
 
     const WindowId id = ++impl_->nextId;
