@@ -82,11 +82,19 @@ NSMenuItem* makeItem(const hg::MenuRow& row, id target) {
 - (instancetype)init {
     self = [super init];
     if (self != nil) {
-        _item = [[NSStatusBar systemStatusBar] statusItemWithLength:28.0];
         _handler = nullptr;
         _closing = false;
     }
     return self;
+}
+
+// The item appears in the menu bar when the application first shows
+// something in it, not when the platform is put together.
+- (NSStatusItem*)item {
+    if (_item == nil) {
+        _item = [[NSStatusBar systemStatusBar] statusItemWithLength:28.0];
+    }
+    return _item;
 }
 
 - (void)removeFromStatusBar {
@@ -104,7 +112,7 @@ NSMenuItem* makeItem(const hg::MenuRow& row, id target) {
     // The art carries the status in its colours, so it is not a template image
     // (which would draw every status as the same silhouette). A name the
     // bundle lacks gives nil: the button is left without an image.
-    _item.button.image = [NSImage imageNamed:name];
+    [self item].button.image = [NSImage imageNamed:name];
 }
 
 - (NSMenu*)buildMenu:(const hg::MenuModel&)model {
@@ -158,7 +166,7 @@ NSMenuItem* makeItem(const hg::MenuRow& row, id target) {
         _pending = model;
         return;
     }
-    _item.menu = [self buildMenu:model];
+    [self item].menu = [self buildMenu:model];
     _shown = model;
 }
 
