@@ -13,8 +13,9 @@ public:
 
     // The text (UTF-8) that the current layout produces for the macOS virtual
     // key code with no modifiers and the display action, already upper-cased
-    // ("a" gives "A"). Nothing when there is no layout, no text, or only a dead
-    // key or control character.
+    // ("a" gives "A"). Nothing when there is no layout or it gives no text.
+    // Layouts that produce nothing printable for a key (a dead key, a control
+    // character) may give nothing for it, as xkbcommon's does.
     [[nodiscard]] virtual std::optional<std::string> displayText(std::uint16_t keyCode) const = 0;
 };
 
