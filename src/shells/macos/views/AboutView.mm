@@ -97,6 +97,13 @@ NSView* iconAndVersion(const std::string& version) {
         [icon setContentCompressionResistancePriority:NSLayoutPriorityDefaultLow
                                        forOrientation:orientation];
     }
+    const NSSize size = icon.image.size;
+    if (size.width > 0 && size.height > 0) {
+        // Shrunk, it keeps its proportions.
+        [icon.widthAnchor constraintEqualToAnchor:icon.heightAnchor
+                                       multiplier:size.width / size.height]
+            .active = YES;
+    }
     hg::mac::TextStyle caption = greyItalic;
     caption.font = hg::mac::TextFont::caption;
     return stack(@[ icon, label("v" + version, caption) ],
