@@ -157,19 +157,7 @@ void* makeAboutView(const std::string& version) {
         ],
         NSUserInterfaceLayoutOrientationVertical);
     column.edgeInsets = NSEdgeInsetsMake(0, 0, 10, 0);
-    column.translatesAutoresizingMaskIntoConstraints = NO;
-
-    NSView* view = [[NSView alloc] initWithFrame:NSMakeRect(0, 0, 300, 500)];
-    [view addSubview:column];
-    NSLayoutGuide* safeArea = view.safeAreaLayoutGuide;
-    [NSLayoutConstraint activateConstraints:@[
-        [column.centerXAnchor constraintEqualToAnchor:safeArea.centerXAnchor],
-        [column.centerYAnchor constraintEqualToAnchor:safeArea.centerYAnchor],
-        [column.topAnchor constraintGreaterThanOrEqualToAnchor:safeArea.topAnchor],
-        [column.leadingAnchor constraintGreaterThanOrEqualToAnchor:safeArea.leadingAnchor],
-        [column.widthAnchor constraintLessThanOrEqualToAnchor:safeArea.widthAnchor],
-    ]];
-    return (__bridge_retained void*)view;
+    return makeCentredHost((__bridge void*)column, 300, 500);
 }
 
 } // namespace hg::mac

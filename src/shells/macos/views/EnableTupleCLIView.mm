@@ -94,18 +94,7 @@ void* makeEnableTupleCLIView() {
     // The title's padding above and the last line's below come on top of the
     // padding around the whole.
     column.edgeInsets = NSEdgeInsetsMake(2 * padding, padding, 2 * padding, padding);
-    column.translatesAutoresizingMaskIntoConstraints = NO;
-
-    NSView* view = [[NSView alloc] initWithFrame:NSMakeRect(0, 0, 500, 350)];
-    [view addSubview:column];
-    NSLayoutGuide* safeArea = view.safeAreaLayoutGuide;
-    [NSLayoutConstraint activateConstraints:@[
-        [column.centerXAnchor constraintEqualToAnchor:safeArea.centerXAnchor],
-        [column.centerYAnchor constraintEqualToAnchor:safeArea.centerYAnchor],
-        [column.topAnchor constraintGreaterThanOrEqualToAnchor:safeArea.topAnchor],
-        [column.leadingAnchor constraintGreaterThanOrEqualToAnchor:safeArea.leadingAnchor],
-    ]];
-    return (__bridge_retained void*)view;
+    return makeCentredHost((__bridge void*)column, 500, 350);
 }
 
 } // namespace hg::mac

@@ -44,5 +44,9 @@ inline constexpr double defaultPadding = 16;
 [[nodiscard]] void* makeLabel(std::string_view text, const TextStyle& style = {});
 // A horizontal line between sections (an NSBox separator).
 [[nodiscard]] void* makeDivider();
+// An NSView of `width` x `height` points holding `column` (an NSView, taken
+// with __bridge) centred in its safe area, never above its top edge nor wider
+// than it.
+[[nodiscard]] void* makeCentredHost(void* column, double width, double height);
 
 } // namespace hg::mac

@@ -88,4 +88,20 @@ void* makeDivider() {
     return (__bridge_retained void*)divider;
 }
 
+void* makeCentredHost(void* column, double width, double height) {
+    NSView* content = (__bridge NSView*)column;
+    content.translatesAutoresizingMaskIntoConstraints = NO;
+    NSView* view = [[NSView alloc] initWithFrame:NSMakeRect(0, 0, width, height)];
+    [view addSubview:content];
+    NSLayoutGuide* safeArea = view.safeAreaLayoutGuide;
+    [NSLayoutConstraint activateConstraints:@[
+        [content.centerXAnchor constraintEqualToAnchor:safeArea.centerXAnchor],
+        [content.centerYAnchor constraintEqualToAnchor:safeArea.centerYAnchor],
+        [content.topAnchor constraintGreaterThanOrEqualToAnchor:safeArea.topAnchor],
+        [content.leadingAnchor constraintGreaterThanOrEqualToAnchor:safeArea.leadingAnchor],
+        [content.widthAnchor constraintLessThanOrEqualToAnchor:safeArea.widthAnchor],
+    ]];
+    return (__bridge_retained void*)view;
+}
+
 } // namespace hg::mac
