@@ -7,6 +7,8 @@ include(GNUInstallDirs)
 set(hg_app_id app.hushgremlin.HushGremlin)
 set(hg_pkg ${PROJECT_SOURCE_DIR}/packaging/linux)
 set(hg_gen ${PROJECT_BINARY_DIR}/packaging)
+# Where the package puts the program; the D-Bus service file names it there.
+set(HG_PACKAGE_BINARY /usr/${CMAKE_INSTALL_BINDIR}/hushgremlin)
 
 install(TARGETS hushgremlin RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${hg_pkg}/${hg_app_id}.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
@@ -37,7 +39,13 @@ if(HG_RSVG_CONVERT)
   add_custom_target(hushgremlin_icons ALL DEPENDS ${hg_pngs})
 endif()
 
-# Debian's own documentation files; the changelog is compressed reproducibly.
+# The manual page and Debian's own documentation files, compressed
+# reproducibly.
+add_custom_command(OUTPUT ${hg_gen}/hushgremlin.1.gz
+  COMMAND gzip -9nc ${hg_pkg}/hushgremlin.1 > ${hg_gen}/hushgremlin.1.gz
+  DEPENDS ${hg_pkg}/hushgremlin.1)
+add_custom_target(hushgremlin_manual ALL DEPENDS ${hg_gen}/hushgremlin.1.gz)
+install(FILES ${hg_gen}/hushgremlin.1.gz DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 set(hg_doc ${CMAKE_INSTALL_DATADIR}/doc/hushgremlin)
 install(FILES ${hg_pkg}/copyright DESTINATION ${hg_doc})
 configure_file(${hg_pkg}/changelog.Debian.in ${hg_gen}/changelog.Debian @ONLY)
@@ -56,7 +64,7 @@ set(CPACK_PACKAGE_DESCRIPTION
     "HushGremlin shows the microphone mute state of the call you are in (Zoom,
 through the desktop's accessibility interface, and Tuple, through its
 command-line tool) in the system tray, with a push-to-talk shortcut.")
-set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr) # as HG_PACKAGE_BINARY says
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 # The first Debian revision of each release: its changelog says the same.

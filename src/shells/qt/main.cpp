@@ -2,6 +2,7 @@
 // global shortcut, built by the same application delegate as the simulator.
 #include "app/AppDelegate.hpp"
 #include "shells/qt/DesktopPlatform.hpp"
+#include "shells/qt/HelpAndVersion.hpp"
 #include "shells/qt/QuitOnSignal.hpp"
 #include "shells/qt/TrayStatusItem.hpp"
 #include "shells/qt/views/NamedImages.hpp"
@@ -10,9 +11,13 @@
 #include <QDateTime>
 #include <QElapsedTimer>
 #include <QTimer>
+#include <iostream>
 #include <string>
 
 int main(int argc, char* argv[]) {
+    if (const auto status = hg::answerHelpOrVersion(argc, argv, std::cout)) {
+        return *status;
+    }
     QElapsedTimer sinceMain;
     sinceMain.start();
 
