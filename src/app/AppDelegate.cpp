@@ -1,6 +1,7 @@
 #include "app/AppDelegate.hpp"
 
 #include "app/LaunchAtLogin.hpp"
+#include "app/RemoteControl.hpp"
 #include "app/WindowTable.hpp"
 #include "apps/TupleMeetingApp.hpp"
 #include "apps/ZoomMeetingApp.hpp"
@@ -15,7 +16,8 @@
 namespace hg {
 
 AppDelegate::AppDelegate(Platform& platform)
-    : platform_(platform), self_(std::make_shared<AppDelegate*>(this)) {}
+    : platform_(platform), remoteControl_(std::make_unique<RemoteControl>(*this)),
+      self_(std::make_shared<AppDelegate*>(this)) {}
 
 AppDelegate::~AppDelegate() = default;
 
@@ -48,6 +50,7 @@ void AppDelegate::startUp() {
                               });
 
     userData_ = std::make_unique<UserData>(*gremlinBarItem_, platform_.clock, platform_.out);
+    remoteControl_->watch(*userData_);
 
     const bool trusted = platform_.accessibility.isProcessTrusted(false);
     userData_->setHasAXAccess(trusted);
@@ -83,28 +86,37 @@ void AppDelegate::setupBinding() {
 
     // One detector shared by press and release, so the release can tell a
     // completed double tap from a hold.
-    auto doubleTap = std::make_shared<DoubleTap>(platform_.clock, platform_.out);
+    doubleTap_ = std::make_shared<DoubleTap>(platform_.clock, platform_.out);
     auto monitor = std::make_unique<GlobalHotkeyMonitor>(platform_.eventTap, platform_.defaults,
                                                          platform_.out);
-    monitor->onDown = [this, doubleTap] {
-        doubleTap->down();
-        userData_->hotkeyDown();
-    };
-    monitor->onUp = [this, doubleTap] {
-        doubleTap->up();
-        if (doubleTap->state() == DoubleTap::State::doubleTapped) {
-            // The second release leaves the toggle of the second press standing.
-            doubleTap->reset();
-            return;
-        }
-        userData_->hotkeyUp();
-    };
+    monitor->onDown = [this] { shortcutDown(); };
+    monitor->onUp = [this] { shortcutUp(); };
     monitor->start();
-    doubleTap_ = std::move(doubleTap);
     hotkeyMonitor_ = std::move(monitor);
 
     platform_.out.line(std::string("Do we have a monitor: ") + " " +
                        (hotkeyMonitor_ ? "YES" : "NO"));
+}
+
+void AppDelegate::shortcutDown() {
+    if (!userData_ || !doubleTap_) {
+        return;
+    }
+    doubleTap_->down();
+    userData_->hotkeyDown();
+}
+
+void AppDelegate::shortcutUp() {
+    if (!userData_ || !doubleTap_) {
+        return;
+    }
+    doubleTap_->up();
+    if (doubleTap_->state() == DoubleTap::State::doubleTapped) {
+        // The second release leaves the toggle of the second press standing.
+        doubleTap_->reset();
+        return;
+    }
+    userData_->hotkeyUp();
 }
 
 void AppDelegate::axChanged(bool hasAX) {

@@ -17,6 +17,7 @@ class GremlinMenu;
 class HotkeyRecorder;
 class LaunchAtLogin;
 class MeetingApp;
+class RemoteControl;
 class UserData;
 class UserPrefs;
 class Watcher;
@@ -45,6 +46,12 @@ public:
     // A new hotkey monitor whose press and release go through one shared
     // double-tap detector; started and kept.
     void setupBinding();
+    // The shortcut went down, or came up: the double-tap detector first, then
+    // the status store; the second release of a double tap toggles nothing.
+    // Every source of presses comes here: the monitor, and scripts through the
+    // remote control. Nothing happens before startUp().
+    void shortcutDown();
+    void shortcutUp();
     // The watcher saw Accessibility trust gained (true) or lost (false).
     void axChanged(bool hasAX);
     // The menu's "Setup Required..." / "Error...": the Accessibility window
@@ -67,6 +74,8 @@ public:
     [[nodiscard]] Watcher* watcher() const { return watcher_.get(); }
     [[nodiscard]] GlobalHotkeyMonitor* hotkeyMonitor() const { return hotkeyMonitor_.get(); }
     [[nodiscard]] const DoubleTap* doubleTap() const { return doubleTap_.get(); }
+    // What scripts may do; exists from construction.
+    [[nodiscard]] RemoteControl& remoteControl() const { return *remoteControl_; }
     [[nodiscard]] const std::vector<std::shared_ptr<MeetingApp>>& meetingApps() const {
         return meetingApps_;
     }
@@ -104,6 +113,7 @@ private:
     std::unique_ptr<UserPrefs> userPrefs_;
     std::unique_ptr<HotkeyRecorder> hotkeyRecorder_;
     std::unique_ptr<LaunchAtLogin> launchAtLogin_;
+    std::unique_ptr<RemoteControl> remoteControl_;
 
     std::optional<WindowId> debugWindow_;
     std::optional<WindowId> axSetupWindow_;

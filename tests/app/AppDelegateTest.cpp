@@ -4,6 +4,7 @@
 // scenario tests.
 #include "app/AppDelegate.hpp"
 
+#include "app/RemoteControl.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 #include "backends/fake/FakeAccessibility.hpp"
 #include "backends/fake/FakeApplication.hpp"
@@ -20,6 +21,7 @@
 #include "backends/fake/FakeUpdater.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
 #include "backends/fake/FakeWindows.hpp"
+#include "core/UserData.hpp"
 
 #include <gtest/gtest.h>
 
@@ -129,6 +131,28 @@ TEST_F(AppDelegateTest, TheSetupRowOpensNothingWhenAllIsSetUpAndTrustBeforeAnApp
     accessibility.setTrusted(false);
     app.handleAXError();
     EXPECT_EQ(windows.frontOrder(), std::vector<WindowId>{*app.axSetupWindow()});
+}
+
+TEST_F(AppDelegateTest, ScriptedPressesTakeTheShortcutsPathAndUnpairedOnesAreIgnored) {
+    RemoteControl& remote = app.remoteControl();
+    int announced = 0;
+    const auto subscription = remote.statusWillChange().subscribe([&] { ++announced; });
+    remote.press();
+    EXPECT_FALSE(remote.isPressed()) << "pressed before there was anything to press";
+    launch(true);
+    timers.advanceSeconds(1.0);
+    ASSERT_TRUE(isWithoutMeeting(remote.status()));
+    EXPECT_GT(announced, 0);
+    out.take();
+
+    remote.release();
+    remote.press();
+    remote.press();
+    EXPECT_EQ(statusItem.image(), "SideEyeIcon");
+    remote.release();
+    remote.release();
+    EXPECT_EQ(statusItem.image(), "NoMeetingIcon");
+    EXPECT_EQ(out.take(), Lines{}) << "the double-tap detector saw an unpaired press or release";
 }
 
 TEST_F(AppDelegateTest, TheUpdateCallbackOutlivingTheDelegateDoesNothing) {

@@ -2,6 +2,7 @@
 
 #include "KeyEvents.hpp"
 #include "hotkey/DoubleTap.hpp"
+#include "hotkey/ShortcutEvents.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 #include "backends/fake/FakeClock.hpp"
 #include "backends/fake/FakeEventTap.hpp"
@@ -122,6 +123,23 @@ TEST(GlobalHotkeyMonitor, MatchesPressesAndReleases) {
         rig.play(scenario.script);
         EXPECT_TRUE(rig.out.lines().empty());
     }
+}
+
+TEST(GlobalHotkeyMonitor, AShortcutPressedAsAWholeMatchesWhateverItsKind) {
+    for (const Hotkey& stored : {Hotkey{key::k, cmd | shf}, Hotkey{Hotkey::noKey, ctl | opt},
+                                 Hotkey{Hotkey::noKey, cmd | fnb}, Hotkey::defaultHotkey()}) {
+        SCOPED_TRACE(stored.toJson());
+        Rig rig;
+        stored.save(rig.defaults);
+        rig.monitor.start();
+        const auto events = ShortcutEvents::of(stored);
+        ASSERT_TRUE(events.has_value());
+        EXPECT_EQ(rig.tap.deliver(events->press), removed);
+        EXPECT_EQ(rig.tap.deliver(events->release), removed);
+        EXPECT_EQ(rig.downs, 1);
+        EXPECT_EQ(rig.ups, 1);
+    }
+    EXPECT_FALSE(ShortcutEvents::of(Hotkey{Hotkey::noKey, 0}).has_value());
 }
 
 TEST(GlobalHotkeyMonitor, OtherEventTypesAndKeyCodesOutside16BitsPass) {
