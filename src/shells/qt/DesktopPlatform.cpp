@@ -2,6 +2,7 @@
 
 #include "backends/linux/AtspiAccessibility.hpp"
 #include "backends/linux/KeyCodeTable.hpp"
+#include "backends/linux/PortalEventTap.hpp"
 #include "backends/linux/ProcRunningApplications.hpp"
 #include "backends/linux/X11EventTap.hpp"
 #include "backends/linux/XdgLoginItems.hpp"
@@ -11,6 +12,7 @@
 #include "backends/posix/StdoutLineSink.hpp"
 #include "shells/qt/AppcastUpdater.hpp"
 #include "shells/qt/BriefRunningApplicationsCache.hpp"
+#include "shells/qt/DesktopNotifications.hpp"
 #include "shells/qt/MessageBoxUpdateAnswers.hpp"
 #include "shells/qt/QtApplication.hpp"
 #include "shells/qt/QtLocalKeyMonitor.hpp"
@@ -37,10 +39,40 @@ std::optional<std::uint16_t> nativeMacKeyCode(const QKeyEvent& event) {
     return KeyCodeTable::macKeyCode(event.nativeScanCode());
 }
 
+bool isWaylandSession() {
+    return qEnvironmentVariableIsSet("WAYLAND_DISPLAY") ||
+           qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1String("wayland");
+}
+
+// A Wayland session shows no program the keys of others, X11 clients
+// through Xwayland included: there the desktop's shortcut portal runs the
+// shortcut when it can. Elsewhere X11 grabs; without an X11 display either,
+// installing the tap fails and the monitor says so.
+std::unique_ptr<EventTap> makeEventTap(const UserDefaults& defaults, LineSink& out) {
+    if (isWaylandSession() && PortalEventTap::isOffered(std::chrono::seconds(2))) {
+        out.line("The shortcut goes through the desktop's GlobalShortcuts portal");
+        return std::make_unique<PortalEventTap>(defaults, out);
+    }
+    return std::make_unique<X11EventTap>(defaults, out);
+}
+
+// Said once at start where no tray can show the icon (stock GNOME): without
+// it the program would be invisible.
+void tellThatTheIconIsHidden() {
+    DesktopNotifications::notify(
+        QStringLiteral("HushGremlin runs without its tray icon"),
+        QStringLiteral("This desktop shows no tray icons. On GNOME, turn on the AppIndicator "
+                       "extension (package gnome-shell-extension-appindicator) and start "
+                       "HushGremlin again. Meanwhile the hushgremlin command reaches it: "
+                       "hushgremlin status, toggle, press, release, preferences."));
+}
+
 } // namespace
 
 struct DesktopPlatform::Backends {
-    Backends() : statusItem(out), windows(defaults.settings(), application) {}
+    Backends() : statusItem(out), windows(defaults.settings(), application) {
+        statusItem.setNoTrayCallback(&tellThatTheIconIsHidden);
+    }
 
     StdoutLineSink out;
     SystemClock clock;
@@ -56,7 +88,7 @@ struct DesktopPlatform::Backends {
                                                      std::chrono::milliseconds(100)};
     PosixFileSystem fileSystem;
     PosixProcessRunner processRunner;
-    X11EventTap eventTap{defaults, out};
+    std::unique_ptr<EventTap> eventTap = makeEventTap(defaults, out);
     XkbKeyboardLayout keyboardLayout;
     QtLocalKeyMonitor localKeyMonitor{nativeMacKeyCode};
     XdgLoginItems loginItems{QCoreApplication::applicationFilePath().toStdString()};
@@ -71,7 +103,7 @@ DesktopPlatform::DesktopPlatform() : backends_(std::make_unique<Backends>()) {
     Backends& b = *backends_;
     platform_ = std::make_unique<Platform>(
         Platform{b.clock, b.timers, b.out, b.defaults, b.statusItem, b.windows, b.application,
-                 b.accessibility, b.recentApplications, b.fileSystem, b.processRunner, b.eventTap,
+                 b.accessibility, b.recentApplications, b.fileSystem, b.processRunner, *b.eventTap,
                  b.keyboardLayout, b.localKeyMonitor, b.loginItems, b.unifiedLog, b.updater});
 }
 

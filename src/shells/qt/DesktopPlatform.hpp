@@ -13,7 +13,7 @@ class TrayStatusItem;
 // program: Qt for the user interface, timers, settings and update checks,
 // POSIX for child processes and files, and the Linux backends for
 // accessibility (AT-SPI), running applications (/proc), the keyboard (X11,
-// xkbcommon) and login items (XDG autostart).
+// or the desktop's shortcut portal on Wayland; xkbcommon) and login items (XDG autostart).
 //
 // Build it after the QApplication; it must outlive the application delegate.
 class DesktopPlatform {

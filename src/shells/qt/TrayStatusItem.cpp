@@ -52,6 +52,9 @@ void TrayStatusItem::showIcon() {
     shown_ = true;
     if (!QSystemTrayIcon::isSystemTrayAvailable()) {
         out_.line("No system tray available: the menu is not shown; the shortcut still works");
+        if (noTrayCallback_) {
+            noTrayCallback_();
+        }
     }
     // Shown even without a tray: an XEmbed tray that starts later picks it up.
     tray_.show();

@@ -43,6 +43,10 @@ public:
 
     // Called once, on the event-loop turn after the icon was first shown.
     void setShownCallback(std::function<void()> callback) { shownCallback_ = std::move(callback); }
+    // Called once, when the icon is first shown and no tray can show it.
+    void setNoTrayCallback(std::function<void()> callback) {
+        noTrayCallback_ = std::move(callback);
+    }
 
     [[nodiscard]] QMenu& menu() { return menu_; }
     [[nodiscard]] const MenuApplier& applier() const { return applier_; }
@@ -67,6 +71,7 @@ private:
     std::optional<MenuModel> pending_;
     std::string imageName_;
     std::function<void()> shownCallback_;
+    std::function<void()> noTrayCallback_;
     std::uint64_t openings_ = 0;
     bool opening_ = false;
     bool open_ = false;

@@ -1,9 +1,12 @@
 // The desktop program: a tray icon with its menu, the windows, and the
 // global shortcut, built by the same application delegate as the simulator.
 #include "app/AppDelegate.hpp"
+#include "backends/posix/StdoutLineSink.hpp"
 #include "shells/qt/DesktopPlatform.hpp"
 #include "shells/qt/HelpAndVersion.hpp"
 #include "shells/qt/QuitOnSignal.hpp"
+#include "shells/qt/ScriptingClient.hpp"
+#include "shells/qt/ScriptingService.hpp"
 #include "shells/qt/TrayStatusItem.hpp"
 #include "shells/qt/views/NamedImages.hpp"
 
@@ -15,6 +18,10 @@
 #include <string>
 
 int main(int argc, char* argv[]) {
+    // `hushgremlin status` and its kin talk to the running program and end.
+    if (hg::ScriptingClient::isCommand(argc, argv)) {
+        return hg::ScriptingClient::run(argc, argv);
+    }
     if (const auto status = hg::answerHelpOrVersion(argc, argv, std::cout)) {
         return *status;
     }
@@ -36,9 +43,16 @@ int main(int argc, char* argv[]) {
     // A tray program: closing its last window does not end it.
     QApplication::setQuitOnLastWindowClosed(false);
 
+    // One program per session: a second start hands over to the first.
+    if (hg::ScriptingService::claimName() == hg::ScriptingService::Claim::taken) {
+        hg::StdoutLineSink out;
+        return hg::ScriptingClient::handOver(out);
+    }
+
     hg::QuitOnSignal quitOnSignal;
     hg::DesktopPlatform desktop;
     hg::AppDelegate delegate(desktop.platform());
+    hg::ScriptingService scripting(delegate.remoteControl(), desktop.platform().out);
 
     if (qEnvironmentVariableIsSet("HG_TRACE_STARTUP")) {
         desktop.tray().setShownCallback([&desktop, &sinceMain] {
