@@ -214,7 +214,8 @@ void PortalEventTap::response(uint code, const QVariantMap& results) {
         const QVariant handle = results.value(QStringLiteral("session_handle"));
         sessionPath_ = handle.canConvert<QDBusObjectPath>() ? handle.value<QDBusObjectPath>().path()
                                                             : handle.toString();
-        if (sessionPath_.isEmpty()) {
+        if (!sessionPath_.startsWith(QLatin1Char('/'))) {
+            sessionPath_.clear();
             fail("gave no session");
             return;
         }
