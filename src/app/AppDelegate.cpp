@@ -47,6 +47,7 @@ void AppDelegate::startUp() {
                                   .update = [this] { platform_.updater.checkForUpdates(); },
                                   .quit = [this] { platform_.application.terminate(); },
                                   .debugView = [this] { showDebugWindow(); },
+                                  .activeAppName = [this] { return activeAppName(); },
                               });
 
     userData_ = std::make_unique<UserData>(*gremlinBarItem_, platform_.clock, platform_.out);
@@ -154,6 +155,13 @@ void AppDelegate::updaterDidFindValidUpdate() {
     }
 }
 
+std::string AppDelegate::activeAppName() const {
+    if (userData_ && userData_->activeApp()) {
+        return userData_->activeApp()->name();
+    }
+    return {};
+}
+
 void AppDelegate::bringForward(WindowId id, bool activate) {
     if (activate) {
         platform_.application.activate();
@@ -171,8 +179,8 @@ void AppDelegate::showAXSetupWindow() {
                 (*self)->platform_.windows.close(*(*self)->axSetupWindow_);
             }
         }};
-        axSetupWindow_ =
-            platform_.windows.create(windowtable::accessibilitySetup.description(std::move(content)));
+        axSetupWindow_ = platform_.windows.create(
+            windowtable::accessibilitySetup.description(std::move(content)));
     }
     bringForward(*axSetupWindow_);
 }
@@ -190,7 +198,8 @@ void AppDelegate::showSetupWindow(MeetingApp& app) {
                 windows.close(*id);
             }
         })};
-        auto description = windowtable::appSetup.description(std::move(content), app.setupWindowTitle());
+        auto description =
+            windowtable::appSetup.description(std::move(content), app.setupWindowTitle());
         description.frameAutosaveName = name + std::string(windowtable::appSetupAutosaveSuffix);
         *id = platform_.windows.create(std::move(description));
         it = setupWindows_.emplace(name, *id).first;
@@ -214,15 +223,16 @@ void AppDelegate::showPrefsWindow() {
                                            (*self)->showAboutWindow();
                                        }
                                    }};
-        prefsWindow_ = platform_.windows.create(windowtable::preferences.description(std::move(content)));
+        prefsWindow_ =
+            platform_.windows.create(windowtable::preferences.description(std::move(content)));
     }
     bringForward(*prefsWindow_);
 }
 
 void AppDelegate::showAboutWindow() {
     if (!aboutWindow_) {
-        aboutWindow_ =
-            platform_.windows.create(windowtable::about.description(AboutContent{applicationVersion()}));
+        aboutWindow_ = platform_.windows.create(
+            windowtable::about.description(AboutContent{applicationVersion()}));
     }
     bringForward(*aboutWindow_);
 }

@@ -96,6 +96,8 @@ public:
     [[nodiscard]] static std::string applicationVersion();
 
 private:
+    // The name of the app in a meeting, or empty.
+    [[nodiscard]] std::string activeAppName() const;
     // Activates the application (unless `activate` is false) and brings the
     // window forward.
     void bringForward(WindowId id, bool activate = true);

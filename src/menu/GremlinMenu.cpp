@@ -54,6 +54,24 @@ std::string GremlinMenu::iconName(MeetingStatus status) {
     return "ErrorIcon";
 }
 
+std::string GremlinMenu::toolTip(MeetingStatus status, const std::string& appName) {
+    const std::string in = appName.empty() ? "" : " in " + appName;
+    switch (status) {
+    case MeetingStatus::notRunning:
+    case MeetingStatus::noMeeting:
+        return "Hush Gremlin: no meeting";
+    case MeetingStatus::onMute:
+        return "Hush Gremlin: muted" + in;
+    case MeetingStatus::offMute:
+        return "Hush Gremlin: live" + in;
+    case MeetingStatus::setupError:
+        return "Hush Gremlin: setup required";
+    case MeetingStatus::error:
+        break;
+    }
+    return "Hush Gremlin: error";
+}
+
 MenuModel GremlinMenu::buildMenu(MeetingStatus status, bool hasUpdate) {
     MenuModel menu;
     menu.rows.push_back(statusRow(status));
@@ -71,6 +89,8 @@ void GremlinMenu::updateMenu(MeetingStatus status) {
     menu_ = buildMenu(status, hasUpdate_);
     menubarItem_.setMenu(menu_);
     menubarItem_.setImage(iconName(status));
+    menubarItem_.setToolTip(
+        toolTip(status, callbacks_.activeAppName ? callbacks_.activeAppName() : std::string()));
 }
 
 void GremlinMenu::menuWillOpen(std::optional<std::uint64_t> currentEventModifiers) {

@@ -15,6 +15,8 @@ namespace hg {
 // callback makes its row do nothing.
 struct GremlinMenuCallbacks {
     std::function<void()> toggle, prefs, axErr, update, quit, debugView;
+    // The name of the app in a meeting, for the tooltip; empty for none.
+    std::function<std::string()> activeAppName;
 };
 
 // The status item's icon and menu. Decides nothing about meetings: the status
@@ -35,7 +37,8 @@ public:
     GremlinMenu(const GremlinMenu&) = delete;
     GremlinMenu& operator=(const GremlinMenu&) = delete;
 
-    // Replaces the menu by a fresh one for `status`, then sets its icon.
+    // Replaces the menu by a fresh one for `status`, then sets its icon and
+    // tooltip.
     void updateMenu(MeetingStatus status);
 
     // Takes effect from the next updateMenu().
@@ -48,6 +51,8 @@ public:
 
     [[nodiscard]] static MenuModel buildMenu(MeetingStatus status, bool hasUpdate);
     [[nodiscard]] static std::string iconName(MeetingStatus status);
+    // "Hush Gremlin: muted in Zoom"; `appName` may be empty.
+    [[nodiscard]] static std::string toolTip(MeetingStatus status, const std::string& appName);
 
     void menuWillOpen(std::optional<std::uint64_t> currentEventModifiers) override;
     void menuDidClose() override;

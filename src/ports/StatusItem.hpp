@@ -36,6 +36,10 @@ public:
     // resources lack leaves the item without an image. Never fails.
     virtual void setImage(const std::string& name) = 0;
 
+    // The state in words, for platforms that show a tooltip over the item;
+    // the others ignore it. Never fails.
+    virtual void setToolTip(const std::string& text) = 0;
+
     // Replaces the menu with `menu`. While the menu is open the platform may
     // defer the change until it closes. Never fails.
     virtual void setMenu(const MenuModel& menu) = 0;

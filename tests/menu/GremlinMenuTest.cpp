@@ -27,6 +27,7 @@ Titles titles(const MenuModel& menu) {
 // Keeps only the handler, to see the menu attach and detach.
 struct HandlerSpy final : StatusItem {
     void setImage(const std::string& /*name*/) override {}
+    void setToolTip(const std::string& /*text*/) override {}
     void setMenu(const MenuModel& /*menu*/) override {}
     void setHandler(StatusItemHandler* h) override { handler = h; }
     StatusItemHandler* handler = nullptr;
@@ -43,22 +44,29 @@ TEST(GremlinMenu, HandlesTheItemForItsLifetimeAndEmptyCallbacksAreHarmless) {
     EXPECT_EQ(item.handler, nullptr);
 }
 
-TEST(GremlinMenu, EachStatusGetsItsRowAndIcon) {
+TEST(GremlinMenu, EachStatusGetsItsRowIconAndToolTip) {
     struct Case {
         S status;
         std::string icon;
         MenuRow row;
+        std::string toolTip;
     };
     const Case cases[] = {
-        {S::notRunning, "NoMeetingIcon", row("No meeting detected", A::none)},
-        {S::noMeeting, "NoMeetingIcon", row("No meeting detected", A::none)},
-        {S::onMute, "OnMuteIcon", row("Toggle Mute", A::toggleMute)},
-        {S::offMute, "OffMuteIcon", row("Toggle Mute", A::toggleMute)},
-        {S::setupError, "ErrorIcon", row("Setup Required...", A::axError, 0, true)},
-        {S::error, "ErrorIcon", row("Error...", A::axError, 0, true)},
+        {S::notRunning, "NoMeetingIcon", row("No meeting detected", A::none),
+         "Hush Gremlin: no meeting"},
+        {S::noMeeting, "NoMeetingIcon", row("No meeting detected", A::none),
+         "Hush Gremlin: no meeting"},
+        {S::onMute, "OnMuteIcon", row("Toggle Mute", A::toggleMute), "Hush Gremlin: muted in Zoom"},
+        {S::offMute, "OffMuteIcon", row("Toggle Mute", A::toggleMute),
+         "Hush Gremlin: live in Zoom"},
+        {S::setupError, "ErrorIcon", row("Setup Required...", A::axError, 0, true),
+         "Hush Gremlin: setup required"},
+        {S::error, "ErrorIcon", row("Error...", A::axError, 0, true), "Hush Gremlin: error"},
     };
     FakeStatusItem item;
-    GremlinMenu menu(item, {});
+    GremlinMenuCallbacks callbacks;
+    callbacks.activeAppName = [] { return std::string("Zoom"); };
+    GremlinMenu menu(item, std::move(callbacks));
     for (const auto& c : cases) {
         SCOPED_TRACE(toString(c.status));
         menu.updateMenu(c.status);
@@ -67,7 +75,9 @@ TEST(GremlinMenu, EachStatusGetsItsRowAndIcon) {
                                   row("Quit", A::quit)}};
         EXPECT_EQ(item.menu(), expected);
         EXPECT_EQ(item.image(), c.icon);
+        EXPECT_EQ(item.toolTip(), c.toolTip);
     }
+    EXPECT_EQ(GremlinMenu::toolTip(S::onMute, ""), "Hush Gremlin: muted");
 }
 
 TEST(GremlinMenu, UpdateRowAppearsFromTheNextRebuild) {
@@ -149,8 +159,13 @@ TEST(GremlinMenu, EachRowCallsItsOwnCallbackOnce) {
         std::map<std::string, int> calls;
         auto count = [&calls](const char* name) { return [&calls, name] { ++calls[name]; }; };
         FakeStatusItem item;
-        GremlinMenu menu(item, {count("toggle"), count("prefs"), count("axErr"), count("update"),
-                                count("quit"), count("debugView")});
+        GremlinMenu menu(item, {count("toggle"),
+                                count("prefs"),
+                                count("axErr"),
+                                count("update"),
+                                count("quit"),
+                                count("debugView"),
+                                {}});
         menu.setHasUpdate(true);
         menu.updateMenu(c.status);
         item.open(0x80000);

@@ -24,7 +24,7 @@ struct Fixture {
     }
     GremlinMenu menu{tray,
                      {note("toggle"), note("prefs"), note("axErr"), note("update"), note("quit"),
-                      note("debugView")}};
+                      note("debugView"), {}}};
 
     // One line per row: "---" for a separator, else the title, with
     // " (disabled)" and " [red]" where they apply.

@@ -18,11 +18,13 @@ public:
         menu_ = menu;
         ++menuSets_;
     }
+    void setToolTip(const std::string& text) override { toolTip_ = text; }
     void setHandler(StatusItemHandler* handler) override { handler_ = handler; }
 
     [[nodiscard]] const std::string& image() const { return image_; }
     [[nodiscard]] const std::vector<std::string>& imageHistory() const { return imageHistory_; }
     [[nodiscard]] const MenuModel& menu() const { return menu_; }
+    [[nodiscard]] const std::string& toolTip() const { return toolTip_; }
     [[nodiscard]] int menuSetCount() const { return menuSets_; }
     [[nodiscard]] bool isOpen() const { return open_; }
 
@@ -67,6 +69,7 @@ public:
 private:
     StatusItemHandler* handler_ = nullptr;
     std::string image_;
+    std::string toolTip_;
     std::vector<std::string> imageHistory_;
     MenuModel menu_;
     int menuSets_ = 0;

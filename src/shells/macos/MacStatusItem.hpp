@@ -24,6 +24,8 @@ public:
     MacStatusItem& operator=(const MacStatusItem&) = delete;
 
     void setImage(const std::string& name) override;
+    // The menu-bar item keeps to its icon and menu: no tooltip.
+    void setToolTip(const std::string& text) override;
     void setMenu(const MenuModel& menu) override;
     void setHandler(StatusItemHandler* handler) override;
 

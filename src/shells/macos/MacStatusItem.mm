@@ -274,6 +274,10 @@ MacStatusItem::~MacStatusItem() {
     [impl_->controller removeFromStatusBar];
 }
 
+void MacStatusItem::setToolTip(const std::string& text) {
+    (void)text;
+}
+
 void MacStatusItem::setImage(const std::string& name) {
     [impl_->controller setImageNamed:toNSString(name)];
 }

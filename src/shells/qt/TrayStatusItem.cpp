@@ -23,8 +23,7 @@ TrayStatusItem::TrayStatusItem(LineSink& out, ModifierQuery modifiers)
     // click opens the same menu, as it does on macOS.
     connect(&tray_, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger &&
-                    !menu_.isVisible()) {
+                if (reason == QSystemTrayIcon::Trigger && !menu_.isVisible()) {
                     menu_.popup(QCursor::pos());
                 }
             });
@@ -33,6 +32,14 @@ TrayStatusItem::TrayStatusItem(LineSink& out, ModifierQuery modifiers)
 TrayStatusItem::~TrayStatusItem() {
     tray_.setContextMenu(nullptr);
     menu_.setStyle(nullptr);
+}
+
+void TrayStatusItem::setToolTip(const std::string& text) {
+    const QString tip = QString::fromStdString(text);
+    // Set once a second with the menu: only a change reaches the tray host.
+    if (tray_.toolTip() != tip) {
+        tray_.setToolTip(tip);
+    }
 }
 
 void TrayStatusItem::setImage(const std::string& name) {

@@ -38,6 +38,7 @@ public:
     TrayStatusItem& operator=(const TrayStatusItem&) = delete;
 
     void setImage(const std::string& name) override;
+    void setToolTip(const std::string& text) override;
     void setMenu(const MenuModel& menu) override;
     void setHandler(StatusItemHandler* handler) override;
 

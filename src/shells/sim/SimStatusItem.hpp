@@ -16,6 +16,7 @@ public:
 
     void setImage(const std::string& name) override;
     void setMenu(const MenuModel& menu) override;
+    void setToolTip(const std::string& text) override { item_.setToolTip(text); }
     void setHandler(StatusItemHandler* handler) override { item_.setHandler(handler); }
 
     [[nodiscard]] FakeStatusItem& item() { return item_; }
