@@ -37,7 +37,7 @@ EnableAXView::EnableAXView(std::function<void()> promptAction, QWidget* parent)
     auto* picture = new QLabel(this);
     picture->setAlignment(Qt::AlignCenter);
     picture->setFixedSize(500, 450);
-    picture->setPixmap(namedPixmap("AXPrefPane", 500, 450, devicePixelRatioF()));
+    picture->setPixmap(namedPixmap("AXLinuxPane", 500, 450, devicePixelRatioF()));
     column->addWidget(picture, 0, Qt::AlignHCenter);
 
     grant_ = new QPushButton(QStringLiteral("Grant Acessibility Permission"), this);
