@@ -67,8 +67,20 @@ Hotkey Hotkey::load(const UserDefaults& defaults) {
     if (!data) {
         return defaultHotkey();
     }
-    const std::string_view text(reinterpret_cast<const char*>(data->data()), data->size());
-    return fromJson(text).value_or(defaultHotkey());
+    // The store is read on every key event and once a second, but its bytes
+    // change only when a shortcut is recorded: they are decoded once per
+    // change, so a value of any size or shape costs a comparison afterwards.
+    // Main thread only, like every reader of the shortcut.
+    struct LastDecoded {
+        Bytes bytes;
+        Hotkey hotkey;
+    };
+    static std::optional<LastDecoded> last;
+    if (!last || last->bytes != *data) {
+        const std::string_view text(reinterpret_cast<const char*>(data->data()), data->size());
+        last = LastDecoded{*data, fromJson(text).value_or(defaultHotkey())};
+    }
+    return last->hotkey;
 }
 
 void Hotkey::save(UserDefaults& defaults) const {
@@ -85,6 +97,11 @@ std::string Hotkey::toJson() const {
 }
 
 std::optional<Hotkey> Hotkey::fromJson(std::string_view text) {
+    // The parser stops at a NUL byte as at the end of its input; JSON text
+    // never holds one, so anything after it would pass unread.
+    if (text.find('\0') != std::string_view::npos) {
+        return std::nullopt;
+    }
     const auto j = nlohmann::json::parse(text, nullptr, false);
     if (!j.is_object()) {
         return std::nullopt; // also the discarded value of a parse error

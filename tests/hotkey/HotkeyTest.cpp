@@ -1,8 +1,8 @@
 #include "hotkey/Hotkey.hpp"
 
-#include "hotkey/KeyName.hpp"
 #include "backends/fake/FakeKeyboardLayout.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
+#include "hotkey/KeyName.hpp"
 
 #include <gtest/gtest.h>
 #include <string>
@@ -43,6 +43,8 @@ TEST(HotkeyJson, FollowsTheKeyedDecodingRulesAndWritesKeyCodeFirst) {
     }
     EXPECT_EQ((Hotkey{40, 1310720}).toJson(), R"({"keyCode":40,"modifiers":1310720})");
     EXPECT_EQ(Hotkey::fromJson(Hotkey{7, UINT64_MAX}.toJson()), (Hotkey{7, UINT64_MAX}));
+    using namespace std::string_view_literals;
+    EXPECT_EQ(Hotkey::fromJson("{\"keyCode\":40,\"modifiers\":0}\0junk"sv), std::nullopt);
 }
 
 TEST(HotkeyLoad, FallsBackToFnAloneWithoutWritingAnything) {
@@ -58,6 +60,12 @@ TEST(HotkeyLoad, FallsBackToFnAloneWithoutWritingAnything) {
     EXPECT_EQ(Hotkey::load(defaults), Hotkey::defaultHotkey());
     EXPECT_EQ(defaults.writeCount(), writes);
     EXPECT_TRUE(defaults.dataForKey(Hotkey::defaultsKey).has_value()) << "bad value stays";
+
+    // Decoded once per change of the stored bytes: every change is seen.
+    for (const Hotkey stored : {Hotkey{40, 0x140000}, Hotkey{41, 0x140000}, Hotkey{41, 0x140000}}) {
+        stored.save(defaults);
+        EXPECT_EQ(Hotkey::load(defaults), stored);
+    }
 }
 
 // Through the US layout fake, so its table is checked at a few points as well.
