@@ -1,6 +1,7 @@
 #include "shells/qt/AppcastFeed.hpp"
 
 #include <QXmlStreamReader>
+#include <algorithm>
 #include <cstdint>
 
 namespace hg {
@@ -10,31 +11,37 @@ namespace {
 const QString sparkleNamespace =
     QStringLiteral("http://www.andymatuschak.org/xml-namespaces/sparkle");
 
-// Reads the numeric components of a version, from the start of `text` on.
-std::vector<std::uint64_t> components(std::string_view text) {
-    std::vector<std::uint64_t> parts;
+// The numeric components of a version, each as its leading digits without
+// leading zeros ("" for zero), so that numbers of any length compare without
+// overflow: a longer number is the larger one, equal lengths compare as text.
+std::vector<std::string_view> components(std::string_view text) {
+    std::vector<std::string_view> parts;
     std::size_t at = 0;
     while (at <= text.size()) {
         const std::size_t dot = text.find('.', at);
-        const std::string_view part =
+        std::string_view part =
             text.substr(at, dot == std::string_view::npos ? text.npos : dot - at);
-        std::uint64_t value = 0;
-        for (const char c : part) {
-            if (c < '0' || c > '9') {
-                break;
-            }
-            value = value * 10 + static_cast<std::uint64_t>(c - '0');
-        }
-        parts.push_back(value);
+        const std::size_t digits = part.find_first_not_of("0123456789");
+        part = part.substr(0, digits);
+        part.remove_prefix(std::min(part.find_first_not_of('0'), part.size()));
+        parts.push_back(part);
         if (dot == std::string_view::npos) {
             break;
         }
         at = dot + 1;
     }
-    while (!parts.empty() && parts.back() == 0) {
+    while (!parts.empty() && parts.back().empty()) {
         parts.pop_back();
     }
     return parts;
+}
+
+int compareNumbers(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) {
+        return a.size() < b.size() ? -1 : 1;
+    }
+    const int c = a.compare(b);
+    return c < 0 ? -1 : (c > 0 ? 1 : 0);
 }
 
 void readSparkleAttributes(const QXmlStreamAttributes& attributes, AppcastItem& item) {
@@ -135,10 +142,15 @@ const AppcastItem* AppcastFeed::newest(const std::vector<AppcastItem>& items) {
 int AppcastFeed::compareVersions(std::string_view a, std::string_view b) {
     const auto left = components(a);
     const auto right = components(b);
-    if (left < right) {
-        return -1;
+    for (std::size_t i = 0; i < std::min(left.size(), right.size()); ++i) {
+        if (const int c = compareNumbers(left[i], right[i]); c != 0) {
+            return c;
+        }
     }
-    return left == right ? 0 : 1;
+    if (left.size() == right.size()) {
+        return 0;
+    }
+    return left.size() < right.size() ? -1 : 1;
 }
 
 } // namespace hg
