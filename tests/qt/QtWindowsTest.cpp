@@ -56,6 +56,8 @@ struct Desktop {
                       application, accessibility, running,    files,    runner,     tap,
                       layout,      monitor,       loginItems, log,      updater};
     AppDelegate delegate{platform};
+    // The windows' views refer to the delegate's objects: they go first.
+    ~Desktop() { windows.destroyAll(); }
 };
 
 } // namespace

@@ -10,6 +10,7 @@
 #include "backends/posix/PosixFileSystem.hpp"
 #include "backends/posix/PosixProcessRunner.hpp"
 #include "backends/posix/StdoutLineSink.hpp"
+#include "backends/posix/SystemClock.hpp"
 #include "shells/qt/AppcastUpdater.hpp"
 #include "shells/qt/BriefRunningApplicationsCache.hpp"
 #include "shells/qt/DesktopNotifications.hpp"
@@ -20,7 +21,6 @@
 #include "shells/qt/QtUnifiedLog.hpp"
 #include "shells/qt/QtUserDefaults.hpp"
 #include "shells/qt/QtWindows.hpp"
-#include "backends/posix/SystemClock.hpp"
 #include "shells/qt/TrayStatusItem.hpp"
 
 #include <QCoreApplication>
@@ -115,6 +115,10 @@ Platform& DesktopPlatform::platform() {
 
 TrayStatusItem& DesktopPlatform::tray() {
     return backends_->statusItem;
+}
+
+void DesktopPlatform::destroyWindows() {
+    backends_->windows.destroyAll();
 }
 
 QtUserDefaults& DesktopPlatform::defaults() {

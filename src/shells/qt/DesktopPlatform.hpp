@@ -26,6 +26,9 @@ public:
     [[nodiscard]] Platform& platform();
     [[nodiscard]] TrayStatusItem& tray();
     [[nodiscard]] QtUserDefaults& defaults();
+    // Destroys the windows, whose views refer to the application's objects:
+    // call it before the application delegate is destroyed.
+    void destroyWindows();
 
 private:
     struct Backends;

@@ -14,7 +14,8 @@ namespace hg {
 class QtWindows::HostWindow final : public QWidget {
 public:
     HostWindow(const WindowSpec& description, QSettings& frames)
-        : frames_(frames), key_(frameKey(description.frameAutosaveName)), panel_(description.panel) {}
+        : frames_(frames), key_(frameKey(description.frameAutosaveName)),
+          panel_(description.panel) {}
 
     [[nodiscard]] bool isPanel() const { return panel_; }
 
@@ -103,7 +104,8 @@ QtWindows::~QtWindows() {
 WindowId QtWindows::create(WindowSpec description) {
     auto window = std::make_unique<HostWindow>(description, frames_);
     window->setWindowFlags(flagsFor(description));
-    window->setWindowTitle(description.title ? QString::fromStdString(*description.title) : QString());
+    window->setWindowTitle(description.title ? QString::fromStdString(*description.title)
+                                             : QString());
     if (description.panel) {
         window->setAttribute(Qt::WA_ShowWithoutActivating);
         window->setAttribute(Qt::WA_MacAlwaysShowToolWindow);
@@ -115,8 +117,8 @@ WindowId QtWindows::create(WindowSpec description) {
 
     // The content decides the least size it can be shown at; a smaller size
     // in the WindowSpec would clip it.
-    const QSize size =
-        QSize(description.contentWidth, description.contentHeight).expandedTo(window->minimumSizeHint());
+    const QSize size = QSize(description.contentWidth, description.contentHeight)
+                           .expandedTo(window->minimumSizeHint());
     if ((description.styleMask & windowstyle::resizable) != 0) {
         window->resize(size);
     } else {
@@ -153,6 +155,11 @@ void QtWindows::close(WindowId id) {
 QWidget* QtWindows::window(WindowId id) const {
     const auto it = windows_.find(id);
     return it == windows_.end() ? nullptr : it->second.get();
+}
+
+void QtWindows::destroyAll() {
+    saveFrames();
+    windows_.clear();
 }
 
 void QtWindows::saveFrames() {

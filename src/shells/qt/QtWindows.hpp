@@ -40,6 +40,10 @@ public:
 
     // Writes the frames of all windows now (also done on every hide).
     void saveFrames();
+    // Saves the frames of the shown windows and destroys every window. Their
+    // views refer to objects of the application: call this before the
+    // application delegate goes.
+    void destroyAll();
 
 private:
     class HostWindow;

@@ -29,11 +29,8 @@ int main(int argc, char* argv[]) {
     sinceMain.start();
 
     QApplication app(argc, argv);
-    // The settings live where these names put them: on Linux in
-    // ~/.config/HushGremlin/HushGremlin.conf; on macOS in the defaults domain
-    // "app.hushgremlin.HushGremlin" (the reversed organization domain and the
-    // application name), which the bundle's identifier must match so that the
-    // program's settings are its own user defaults.
+    // The settings live where these names put them:
+    // ~/.config/HushGremlin/HushGremlin.conf.
     QCoreApplication::setOrganizationName(QStringLiteral("HushGremlin"));
     QCoreApplication::setOrganizationDomain(QStringLiteral("hushgremlin.app"));
     QCoreApplication::setApplicationName(QStringLiteral("HushGremlin"));
@@ -68,5 +65,8 @@ int main(int argc, char* argv[]) {
                      [&delegate] { delegate.applicationWillTerminate(); });
     // Launching has finished once the event loop runs.
     QTimer::singleShot(0, &app, [&delegate] { delegate.startUp(); });
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    // The windows' views refer to the delegate's objects: they go first.
+    desktop.destroyWindows();
+    return status;
 }
