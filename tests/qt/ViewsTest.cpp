@@ -1,23 +1,23 @@
 // The window contents driven as a user would: clicking switches and buttons,
 // typing a shortcut, and watching them follow changes made elsewhere.
 #include "app/LaunchAtLogin.hpp"
-#include "core/UserData.hpp"
-#include "core/UserPrefs.hpp"
-#include "hotkey/Hotkey.hpp"
-#include "hotkey/HotkeyRecorder.hpp"
-#include "menu/GremlinMenu.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 #include "backends/fake/FakeClock.hpp"
 #include "backends/fake/FakeKeyboardLayout.hpp"
 #include "backends/fake/FakeLoginItems.hpp"
 #include "backends/fake/FakeStatusItem.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
+#include "core/UserData.hpp"
+#include "core/UserPrefs.hpp"
+#include "hotkey/Hotkey.hpp"
+#include "hotkey/HotkeyRecorder.hpp"
+#include "menu/GremlinMenu.hpp"
 #include "shells/qt/QtLocalKeyMonitor.hpp"
-#include "support/ScriptedMeetingApp.hpp"
 #include "shells/qt/views/DebugView.hpp"
 #include "shells/qt/views/HotkeyRecorderControl.hpp"
 #include "shells/qt/views/LaunchAtLoginToggle.hpp"
 #include "shells/qt/views/PrefsView.hpp"
+#include "support/ScriptedMeetingApp.hpp"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -120,6 +120,11 @@ private slots:
         QTest::mouseClick(login, Qt::LeftButton);
         QTRY_VERIFY(login->isChecked());
         QCOMPARE(f.log.lines().size(), std::size_t{1});
+        // An entry removed outside the program shows when the view shows again.
+        f.loginItems.setStatus(LoginItems::Status::notRegistered);
+        f.view.hide();
+        f.view.show();
+        QVERIFY(!login->isChecked());
     }
 
     void recordingAShortcut() {

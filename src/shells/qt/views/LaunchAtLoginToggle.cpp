@@ -2,6 +2,8 @@
 
 #include "app/LaunchAtLogin.hpp"
 
+#include <QEvent>
+
 namespace hg::views {
 
 LaunchAtLoginToggle::LaunchAtLoginToggle(LaunchAtLogin& launchAtLogin, const QString& label,
@@ -13,6 +15,18 @@ LaunchAtLoginToggle::LaunchAtLoginToggle(LaunchAtLogin& launchAtLogin, const QSt
     // clicked, not toggled: only the user's clicks write; a redraw does not.
     connect(this, &QCheckBox::clicked, this,
             [this](bool checked) { launchAtLogin_.setEnabled(checked); });
+}
+
+void LaunchAtLoginToggle::showEvent(QShowEvent* event) {
+    redraw();
+    QCheckBox::showEvent(event);
+}
+
+void LaunchAtLoginToggle::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::ActivationChange && isActiveWindow()) {
+        redraw();
+    }
+    QCheckBox::changeEvent(event);
 }
 
 void LaunchAtLoginToggle::redraw() {
