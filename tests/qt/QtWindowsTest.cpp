@@ -21,8 +21,10 @@
 #include "shells/qt/TrayStatusItem.hpp"
 #include "shells/qt/views/EnableAXView.hpp"
 
+#include <QGuiApplication>
 #include <QPointer>
 #include <QPushButton>
+#include <QScreen>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
@@ -130,6 +132,15 @@ private slots:
         QtWindows again(d.frames, d.application);
         const WindowId id = again.create(windowtable::about.description(AboutContent{HG_VERSION}));
         QCOMPARE(again.window(id)->geometry(), moved);
+
+        // A saved frame larger than the screen, or hanging over its edge, is
+        // brought inside the screen's free area.
+        const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+        QRect huge(QPoint(0, 0), QSize(100000, 100000));
+        huge.moveCenter(area.center());
+        d.frames.setValue(QStringLiteral("WindowFrames/Main Window"), huge);
+        const WindowId panel = again.create(windowtable::debug.description(DebugContent{}));
+        QVERIFY(area.contains(again.window(panel)->geometry()));
     }
 };
 

@@ -8,6 +8,7 @@
 #include <QScreen>
 #include <QSettings>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace hg {
 
@@ -28,16 +29,23 @@ public:
         }
     }
     // False when nothing usable was saved: no value, an empty rectangle, or
-    // one whose centre lies on no screen any more.
+    // one whose centre lies on no screen any more. A usable rectangle is made
+    // to fit the free area of its screen: no larger, and moved inside it.
     bool restoreFrame() {
         if (key_.isEmpty()) {
             return false;
         }
         const QRect saved = frames_.value(key_).toRect();
-        if (saved.isEmpty() || QGuiApplication::screenAt(saved.center()) == nullptr) {
+        const QScreen* screen =
+            saved.isEmpty() ? nullptr : QGuiApplication::screenAt(saved.center());
+        if (screen == nullptr) {
             return false;
         }
-        setGeometry(saved);
+        const QRect area = screen->availableGeometry();
+        QRect placed(saved.topLeft(), saved.size().boundedTo(area.size()));
+        placed.moveLeft(std::clamp(placed.left(), area.left(), area.right() - placed.width() + 1));
+        placed.moveTop(std::clamp(placed.top(), area.top(), area.bottom() - placed.height() + 1));
+        setGeometry(placed);
         return true;
     }
 
