@@ -55,6 +55,7 @@ TEST(TupleMeetingApp, FetchReadsTheToolsState) {
          {"Tuple CLI 'state --format json' stderr: " + std::string(4u << 20, 'e')}},
         {"not-executable.sh", S::error, {"Tuple CLI error: Permission denied"}},
         {"missing.sh", S::setupError, {}},
+        {"state-muted-child-holds-pipe.sh", S::onMute, {}},
         {"hang.sh", S::error, {failed + "9 stderr=hanging"}},
         {"hang-closed.sh", S::error, {failed + "9 stderr="}},
         {"signal-self.sh", S::error, {failed + "15 stderr="}},

@@ -202,9 +202,15 @@ ProcessResult PosixProcessRunner::run(const std::string& executable,
         return static_cast<int>(std::max<std::chrono::milliseconds::rep>(0, left.count()));
     };
 
+    // The pipes are read until the child exits, not until they close: a
+    // process the child started may hold them open long after the answer
+    // came. Polls are therefore short while the child runs.
+    constexpr int exitCheckMs = 20;
+    int waitStatus = 0;
+    bool reaped = false;
     bool timedOut = false;
     while (out.read.valid() || err.read.valid()) {
-        const int waitMs = remainingMs();
+        const int waitMs = std::min(remainingMs(), exitCheckMs);
         if (waitMs <= 0) {
             timedOut = true;
             break;
@@ -233,6 +239,16 @@ ProcessResult PosixProcessRunner::run(const std::string& executable,
                 owners[i]->read.reset();
             }
         }
+        if (ready == 0 && ::waitpid(pid, &waitStatus, WNOHANG) == pid) {
+            // Exited with a pipe still open elsewhere: take what is there.
+            reaped = true;
+            for (Pipe* p : {&out, &err}) {
+                if (p->read.valid()) {
+                    drain(p->read.get(), p == &out ? result.standardOutput : result.standardError);
+                }
+            }
+            break;
+        }
     }
 
     // Both pipes closed: the child is exiting or has exited, usually a few
@@ -241,11 +257,9 @@ ProcessResult PosixProcessRunner::run(const std::string& executable,
     // sleeping poll wakes late on a busy machine, which added a third to the
     // cost of a short run. So yield to the child for a moment first, then poll
     // with a growing pause.
-    int waitStatus = 0;
-    bool reaped = false;
     auto pause = std::chrono::microseconds(50);
     const auto yieldUntil = SteadyClock::now() + std::chrono::milliseconds(2);
-    while (!timedOut) {
+    while (!timedOut && !reaped) {
         const pid_t done = ::waitpid(pid, &waitStatus, WNOHANG);
         if (done == pid) {
             reaped = true;
