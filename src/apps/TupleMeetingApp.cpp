@@ -34,6 +34,7 @@ bool TupleMeetingApp::isTupleRunning() const {
 
 std::optional<std::string> TupleMeetingApp::runCLI(const std::vector<std::string>& arguments) {
     const ProcessResult result = processes_.run(cliPath_, arguments);
+    lastRunTimedOut_ = result.timedOut;
     if (result.launchError) {
         out_.line("Tuple CLI error: " + *result.launchError);
         return std::nullopt;
@@ -66,7 +67,14 @@ MeetingStatus TupleMeetingApp::fetchStatus() {
     if (!files_.fileExists(cliPath_)) {
         return MeetingStatus::setupError;
     }
+    if (stateReadsToSkip_ > 0) {
+        --stateReadsToSkip_;
+        return MeetingStatus::error;
+    }
     const auto output = runCLI({"state", "--format", "json"});
+    if (lastRunTimedOut_) {
+        stateReadsToSkip_ = stateReadsSkippedAfterTimeout;
+    }
     if (!output) {
         return MeetingStatus::error;
     }

@@ -16,8 +16,15 @@ namespace hg {
 // tool at `cliPath` as a child process: "state --format json" reads the state,
 // "call mute" and "call unmute" toggle. Every call runs the tool afresh and
 // blocks until it has exited; failures are printed and end as error.
+//
+// A tool that hangs holds the user interface until the runner's time-out. So
+// after a state read that timed out, the next reads answer error without
+// running the tool, for about half a minute of once-a-second reads; toggles,
+// which the user asks for, still run it.
 class TupleMeetingApp final : public MeetingApp {
 public:
+    static constexpr int stateReadsSkippedAfterTimeout = 30;
+
     TupleMeetingApp(std::string cliPath, RunningApplications& applications, FileSystem& files,
                     ProcessRunner& processes, LineSink& out);
 
@@ -56,6 +63,8 @@ private:
     FileSystem& files_;
     ProcessRunner& processes_;
     LineSink& out_;
+    bool lastRunTimedOut_ = false;
+    int stateReadsToSkip_ = 0;
 };
 
 } // namespace hg

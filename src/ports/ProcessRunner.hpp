@@ -16,6 +16,8 @@ struct ProcessResult {
     // Raw bytes; not necessarily UTF-8.
     std::string standardOutput;
     std::string standardError;
+    // Ended by the runner because it outlived the time-out.
+    bool timedOut = false;
 };
 
 // Runs child processes to completion, inheriting this process's environment
@@ -25,7 +27,8 @@ public:
     virtual ~ProcessRunner() = default;
 
     // Runs `executable` with `arguments` (argv[1]...) and waits for it. Blocks.
-    virtual ProcessResult run(const std::string& executable, const std::vector<std::string>& arguments) = 0;
+    virtual ProcessResult run(const std::string& executable,
+                              const std::vector<std::string>& arguments) = 0;
 };
 
 } // namespace hg

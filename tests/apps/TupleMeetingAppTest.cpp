@@ -123,6 +123,23 @@ struct FakeTuple {
     TupleMeetingApp app{"/usr/local/bin/tuple", apps, files, runner, out};
 };
 
+TEST(TupleMeetingApp, AfterAStateReadTimesOutTheNextReadsSkipTheToolButTogglesRun) {
+    FakeTuple t;
+    t.apps.add("app.tuple.app", 3);
+    t.files.add("/usr/local/bin/tuple");
+    t.runner.setHandler([](const std::string&, const std::vector<std::string>&) {
+        return ProcessResult{std::nullopt, 9, "", "", true};
+    });
+    EXPECT_EQ(t.app.fetchStatus(), S::error);
+    for (int i = 0; i < TupleMeetingApp::stateReadsSkippedAfterTimeout; ++i) {
+        EXPECT_EQ(t.app.fetchStatus(), S::error);
+    }
+    EXPECT_EQ(t.runner.runs().size(), 1U);
+    EXPECT_EQ(t.app.toggleMute(S::onMute), S::error);
+    EXPECT_EQ(t.app.fetchStatus(), S::error);
+    EXPECT_EQ(t.runner.runs().size(), 3U) << "the toggle and the read after the pause ran";
+}
+
 TEST(TupleMeetingApp, ToggleOutsideAMeetingRunsNothing) {
     FakeTuple t;
     for (const auto status : {S::notRunning, S::noMeeting, S::setupError, S::error}) {

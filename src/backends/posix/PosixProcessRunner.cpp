@@ -284,6 +284,7 @@ ProcessResult PosixProcessRunner::run(const std::string& executable,
     if (timedOut) {
         ::kill(-pid, SIGKILL);
         ::kill(pid, SIGKILL);
+        result.timedOut = true;
     }
     out.read.reset();
     err.read.reset();
