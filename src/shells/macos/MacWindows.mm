@@ -45,10 +45,10 @@ void bringOntoScreen(NSWindow* window) {
     [window center];
 }
 
-NSWindow* makeWindow(const WindowSpec& spec) {
-    const NSRect content = NSMakeRect(0, 0, spec.contentWidth, spec.contentHeight);
-    const auto style = static_cast<NSWindowStyleMask>(spec.styleMask);
-    if (spec.panel) {
+NSWindow* makeWindow(const WindowSpec& description) {
+    const NSRect content = NSMakeRect(0, 0, description.contentWidth, description.contentHeight);
+    const auto style = static_cast<NSWindowStyleMask>(description.styleMask);
+    if (description.panel) {
         NSPanel* panel = [[NSPanel alloc] initWithContentRect:content
                                                     styleMask:style
                                                       backing:NSBackingStoreBuffered
