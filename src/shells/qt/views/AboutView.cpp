@@ -54,6 +54,8 @@ QHBoxLayout* row() {
 
 AboutView::AboutView(const QString& version, QWidget* parent) : QWidget(parent) {
     auto* column = new QVBoxLayout(this);
+    // Narrow side margins: the contact row must fit the window's 300 points.
+    column->setContentsMargins(4, 9, 4, 9);
     column->addStretch();
 
     auto* icon = new QLabel(this);

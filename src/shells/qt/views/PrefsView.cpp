@@ -19,6 +19,9 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
       redraw_(*this, [this] { redraw(); }) {
     auto* column = new QVBoxLayout(this);
     column->setAlignment(Qt::AlignHCenter);
+    // Tight enough that everything fits the window's 300 x 200.
+    column->setContentsMargins(10, 6, 10, 0);
+    column->setSpacing(4);
 
     auto* shortcutRow = new QHBoxLayout;
     shortcutRow->addStretch();
@@ -40,6 +43,7 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
     column->addWidget(makeDivider(this));
 
     auto* muteOnJoin = new QVBoxLayout;
+    muteOnJoin->setSpacing(2);
     auto* heading = new QLabel(QStringLiteral("Mute on join:"), this);
     makeHeadline(*heading);
     muteOnJoin->addWidget(heading);
