@@ -116,8 +116,11 @@ std::map<QString, int> menuRows(QDBusInterface& menu) {
         const auto node = child.variant().value<QDBusArgument>();
         node.beginStructure();
         node >> id >> properties;
+        node.endStructure();
         rows[properties.value(QStringLiteral("label")).toString()] = id;
     }
+    root.endArray();
+    root.endStructure();
     return rows;
 }
 
