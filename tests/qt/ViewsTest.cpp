@@ -124,7 +124,7 @@ private slots:
         f.loginItems.setStatus(LoginItems::Status::notRegistered);
         f.view.hide();
         f.view.show();
-        QVERIFY(!login->isChecked());
+        QTRY_VERIFY(!login->isChecked());
     }
 
     void recordingAShortcut() {
