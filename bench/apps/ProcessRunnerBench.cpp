@@ -22,7 +22,8 @@ const std::string script = HG_APPS_FIXTURE_DIR "/state-muted.sh";
 void BM_PosixProcessRunner(benchmark::State& state) {
     PosixProcessRunner runner;
     for (auto _ : state) {
-        const ProcessResult result = runner.run(script, {"state", "--format", "json"});
+        const ProcessResult result =
+            runner.run(script, {"state", "--format", "json"}, PosixProcessRunner::defaultTimeout);
         if (result.exitStatus != 0 || result.standardOutput.empty()) {
             state.SkipWithError("the fixture did not run");
             break;
@@ -85,7 +86,8 @@ void BM_RunnerOverBareRatio(benchmark::State& state) {
         const auto t0 = Clock::now();
         const bool bareOk = bare.run();
         const auto t1 = Clock::now();
-        const ProcessResult result = runner.run(script, {"state", "--format", "json"});
+        const ProcessResult result =
+            runner.run(script, {"state", "--format", "json"}, PosixProcessRunner::defaultTimeout);
         const auto t2 = Clock::now();
         if (!bareOk || result.exitStatus != 0) {
             state.SkipWithError("the fixture did not run");

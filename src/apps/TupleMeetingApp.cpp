@@ -32,8 +32,9 @@ bool TupleMeetingApp::isTupleRunning() const {
     return runningAppPID(applications_, bundleID).has_value();
 }
 
-std::optional<std::string> TupleMeetingApp::runCLI(const std::vector<std::string>& arguments) {
-    const ProcessResult result = processes_.run(cliPath_, arguments);
+std::optional<std::string> TupleMeetingApp::runCLI(const std::vector<std::string>& arguments,
+                                                   std::chrono::milliseconds timeout) {
+    const ProcessResult result = processes_.run(cliPath_, arguments, timeout);
     lastRunTimedOut_ = result.timedOut;
     if (result.launchError) {
         out_.line("Tuple CLI error: " + *result.launchError);
@@ -71,7 +72,7 @@ MeetingStatus TupleMeetingApp::fetchStatus() {
         --stateReadsToSkip_;
         return MeetingStatus::error;
     }
-    const auto output = runCLI({"state", "--format", "json"});
+    const auto output = runCLI({"state", "--format", "json"}, stateReadTimeout);
     if (lastRunTimedOut_) {
         stateReadsToSkip_ = stateReadsSkippedAfterTimeout;
     }

@@ -6,6 +6,7 @@
 #include "ports/ProcessRunner.hpp"
 #include "ports/RunningApplications.hpp"
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,12 +18,15 @@ namespace hg {
 // "call mute" and "call unmute" toggle. Every call runs the tool afresh and
 // blocks until it has exited; failures are printed and end as error.
 //
-// A tool that hangs holds the user interface until the runner's time-out. So
-// after a state read that timed out, the next reads answer error without
-// running the tool, for about half a minute of once-a-second reads; toggles,
-// which the user asks for, still run it.
+// The tool answers a local question in milliseconds, and the user interface
+// waits while it runs: a state read that takes longer than stateReadTimeout
+// is ended, and the next reads answer error without running the tool, for
+// about half a minute of once-a-second reads. Toggles, which the user asks
+// for, always run it, for at most commandTimeout.
 class TupleMeetingApp final : public MeetingApp {
 public:
+    static constexpr std::chrono::milliseconds stateReadTimeout{250};
+    static constexpr std::chrono::milliseconds commandTimeout{1000};
     static constexpr int stateReadsSkippedAfterTimeout = 30;
 
     TupleMeetingApp(std::string cliPath, RunningApplications& applications, FileSystem& files,
@@ -53,7 +57,8 @@ public:
     // Runs the tool with `arguments`. Its standard output when it exits with
     // status 0 (an empty text is a result; output that is not UTF-8 is none);
     // none when it cannot start or fails, with the reason printed.
-    std::optional<std::string> runCLI(const std::vector<std::string>& arguments);
+    std::optional<std::string> runCLI(const std::vector<std::string>& arguments,
+                                      std::chrono::milliseconds timeout = commandTimeout);
 
 private:
     bool isTupleRunning() const;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 #include <vector>
@@ -26,9 +27,12 @@ class ProcessRunner {
 public:
     virtual ~ProcessRunner() = default;
 
-    // Runs `executable` with `arguments` (argv[1]...) and waits for it. Blocks.
+    // Runs `executable` with `arguments` (argv[1]...) and waits for it, at
+    // most about `timeout`: a child still running then is ended and the
+    // result says timedOut. Blocks.
     virtual ProcessResult run(const std::string& executable,
-                              const std::vector<std::string>& arguments) = 0;
+                              const std::vector<std::string>& arguments,
+                              std::chrono::milliseconds timeout) = 0;
 };
 
 } // namespace hg

@@ -25,7 +25,7 @@ std::string fixture(const std::string& name) {
 struct RealTuple {
     FakeRunningApplications apps;
     PosixFileSystem files;
-    PosixProcessRunner runner{std::chrono::milliseconds(400)};
+    PosixProcessRunner runner;
     BufferLineSink out;
 
     RealTuple() { apps.add("app.tuple.app", 77); }
@@ -97,16 +97,17 @@ TEST(TupleMeetingApp, RunCLIGivesNoOutputThatIsNotUTF8) {
 TEST(PosixProcessRunner, ChildGetsArgumentsEnvironmentAndDirectoryAndKeepsRawBytes) {
     PosixProcessRunner runner;
     ::setenv("HG_FIXTURE_PROBE", "probe value", 1);
-    const auto env = runner.run(fixture("echo-env.sh"), {});
+    const auto env = runner.run(fixture("echo-env.sh"), {}, std::chrono::seconds(5));
     ::unsetenv("HG_FIXTURE_PROBE");
     EXPECT_FALSE(env.launchError.has_value());
     EXPECT_EQ(env.exitStatus, 0);
     EXPECT_EQ(env.standardOutput, "probe value|" + std::filesystem::current_path().string());
 
-    const auto args = runner.run(fixture("echo-args.sh"), {"a b", "", "'c'", "$HOME"});
+    const auto args =
+        runner.run(fixture("echo-args.sh"), {"a b", "", "'c'", "$HOME"}, std::chrono::seconds(5));
     EXPECT_EQ(args.standardError, "a b  'c' $HOME");
 
-    const auto raw = runner.run(fixture("invalid-utf8.sh"), {"4"});
+    const auto raw = runner.run(fixture("invalid-utf8.sh"), {"4"}, std::chrono::seconds(5));
     EXPECT_EQ(raw.exitStatus, 4);
     EXPECT_EQ(raw.standardOutput, "{\"in_call\":false}\xFF");
     EXPECT_EQ(raw.standardError, "bad \xFF");

@@ -16,15 +16,16 @@ public:
     struct Run {
         std::string executable;
         std::vector<std::string> arguments;
+        std::chrono::milliseconds timeout{0};
     };
 
     FakeProcessRunner() = default;
     explicit FakeProcessRunner(Handler handler) : handler_(std::move(handler)) {}
 
     // Without a handler every run fails to launch with "No such file or directory".
-    ProcessResult run(const std::string& executable,
-                      const std::vector<std::string>& arguments) override {
-        runs_.push_back(Run{executable, arguments});
+    ProcessResult run(const std::string& executable, const std::vector<std::string>& arguments,
+                      std::chrono::milliseconds timeout) override {
+        runs_.push_back(Run{executable, arguments, timeout});
         if (!handler_) {
             return ProcessResult{"No such file or directory", 0, {}, {}};
         }

@@ -142,7 +142,8 @@ bool drain(int fd, std::string& into) {
 } // namespace
 
 ProcessResult PosixProcessRunner::run(const std::string& executable,
-                                      const std::vector<std::string>& arguments) {
+                                      const std::vector<std::string>& arguments,
+                                      std::chrono::milliseconds timeout) {
     ProcessResult result;
     Pipe out;
     Pipe err;
@@ -195,7 +196,7 @@ ProcessResult PosixProcessRunner::run(const std::string& executable,
         return result;
     }
 
-    const auto deadline = SteadyClock::now() + timeout_;
+    const auto deadline = SteadyClock::now() + std::min(timeout, longestTimeout_);
     const auto remainingMs = [deadline]() -> int {
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(deadline - SteadyClock::now());

@@ -11,29 +11,29 @@ namespace hg {
 // and working directory; its standard input is /dev/null, and standard
 // output and error are read through pipes while it runs, so a child that
 // writes more than a pipe holds never stalls. A child (with everything it
-// started) that is still running, or still holding the pipes, when the
-// time-out passes is killed with SIGKILL; the result then reads as ended by
-// that signal (exit status 9).
+// started) that is still running when the time-out passes is killed with
+// SIGKILL; the result then reads as ended by that signal (exit status 9). A
+// child that has exited is answered at once, even while a process it started
+// still holds its pipes.
 class PosixProcessRunner final : public ProcessRunner {
 public:
-    // A command-line tool that answers a status query in more than this is
-    // taken to hang; the caller blocks the user interface meanwhile.
+    // The longest any run may take, whatever time-out its caller asks for.
     static constexpr std::chrono::milliseconds defaultTimeout{5000};
 
     // More than this per stream is read and dropped, so that a runaway child
     // cannot exhaust memory before the time-out.
     static constexpr std::size_t maxCapturedBytes = 16 * 1024 * 1024;
 
-    explicit PosixProcessRunner(std::chrono::milliseconds timeout = defaultTimeout)
-        : timeout_(timeout) {}
+    explicit PosixProcessRunner(std::chrono::milliseconds longestTimeout = defaultTimeout)
+        : longestTimeout_(longestTimeout) {}
 
     // A launch failure (missing file, no permission, not an executable) comes
     // back as launchError with the system's text, e.g. "Permission denied".
-    ProcessResult run(const std::string& executable,
-                      const std::vector<std::string>& arguments) override;
+    ProcessResult run(const std::string& executable, const std::vector<std::string>& arguments,
+                      std::chrono::milliseconds timeout) override;
 
 private:
-    std::chrono::milliseconds timeout_;
+    std::chrono::milliseconds longestTimeout_;
 };
 
 } // namespace hg

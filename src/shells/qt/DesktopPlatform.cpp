@@ -87,9 +87,7 @@ struct DesktopPlatform::Backends {
     BriefRunningApplicationsCache recentApplications{runningApplications, clock,
                                                      std::chrono::milliseconds(100)};
     PosixFileSystem fileSystem;
-    // Tuple's tool answers a local question: one that takes a second hangs,
-    // and the user interface waits for it meanwhile.
-    PosixProcessRunner processRunner{std::chrono::milliseconds(1000)};
+    PosixProcessRunner processRunner;
     std::unique_ptr<EventTap> eventTap = makeEventTap(defaults, out);
     XkbKeyboardLayout keyboardLayout;
     QtLocalKeyMonitor localKeyMonitor{nativeMacKeyCode};
