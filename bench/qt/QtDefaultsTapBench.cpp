@@ -42,4 +42,22 @@ void BM_QtStoreDefaultShortcutFlagsChanged(benchmark::State& state) {
 }
 BENCHMARK(BM_QtStoreDefaultShortcutFlagsChanged);
 
+// A valid shortcut with a 10 MB member beside it: too long to be a shortcut,
+// so the key path reads fn alone without copying or parsing the value.
+void BM_QtStoreOversizedValueKeyDown(benchmark::State& state) {
+    QtStore store;
+    const std::string json =
+        R"({"keyCode":40,"modifiers":1048576,"x":")" + std::string(10u << 20, 'x') + "\"}";
+    store.defaults.setData(Hotkey::defaultsKey, hg::Bytes(json.begin(), json.end()));
+    hg::FakeEventTap tap;
+    hg::BufferLineSink out;
+    hg::GlobalHotkeyMonitor monitor(tap, store.defaults, out);
+    const TapEvent a{tapevent::keyDown, keyA, 0, 0};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(monitor.handleTapEvent(a));
+    }
+    state.SetItemsProcessed(state.iterations());
+}
+BENCHMARK(BM_QtStoreOversizedValueKeyDown);
+
 } // namespace

@@ -63,14 +63,13 @@ void appendModifierSymbols(std::string& out, std::uint64_t modifiers) {
 } // namespace
 
 Hotkey Hotkey::load(const UserDefaults& defaults) {
-    const auto data = defaults.dataForKey(defaultsKey);
+    const auto data = defaults.dataForKey(defaultsKey, maxEncodedBytes);
     if (!data) {
         return defaultHotkey();
     }
     // The store is read on every key event and once a second, but its bytes
     // change only when a shortcut is recorded: they are decoded once per
-    // change, so a value of any size or shape costs a comparison afterwards.
-    // Main thread only, like every reader of the shortcut.
+    // change, and a value too long to be a shortcut is not even copied.
     struct LastDecoded {
         Bytes bytes;
         Hotkey hotkey;
@@ -99,7 +98,7 @@ std::string Hotkey::toJson() const {
 std::optional<Hotkey> Hotkey::fromJson(std::string_view text) {
     // The parser stops at a NUL byte as at the end of its input; JSON text
     // never holds one, so anything after it would pass unread.
-    if (text.find('\0') != std::string_view::npos) {
+    if (text.size() > maxEncodedBytes || text.find('\0') != std::string_view::npos) {
         return std::nullopt;
     }
     const auto j = nlohmann::json::parse(text, nullptr, false);

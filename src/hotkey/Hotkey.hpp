@@ -4,6 +4,7 @@
 #include "ports/KeyboardLayout.hpp"
 #include "ports/UserDefaults.hpp"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,6 +20,8 @@ struct Hotkey {
     // shift, control, option, command, function: the only bits ever written.
     static constexpr std::uint64_t significantMask = 0x9E0000;
     static constexpr std::string_view defaultsKey = "mute_hotkey_v2";
+    // No shortcut needs more: a longer stored value or text is not decoded.
+    static constexpr std::size_t maxEncodedBytes = 1024;
 
     std::uint16_t keyCode = noKey; // macOS virtual key code
     std::uint64_t modifiers = 0;   // raw modifier flags; extra bits kept, shown nowhere
@@ -27,13 +30,16 @@ struct Hotkey {
     [[nodiscard]] static Hotkey defaultHotkey() { return Hotkey{noKey, modifier::function}; }
 
     // The stored shortcut, or the default when nothing usable is stored
-    // (absent, not a data value, or undecodable). Never logs, never writes.
+    // (absent, not a data value, longer than maxEncodedBytes, or undecodable).
+    // Decodes only when the stored bytes changed since the last load. Never
+    // logs, never writes. Main thread only.
     [[nodiscard]] static Hotkey load(const UserDefaults& defaults);
     void save(UserDefaults& defaults) const;
 
     // Compact JSON with keyCode first: {"keyCode":40,"modifiers":1310720}.
     [[nodiscard]] std::string toJson() const;
-    // Both members required, others ignored; nothing for anything else.
+    // Both members required, others ignored; nothing for anything else, for
+    // text after the object, and for text longer than maxEncodedBytes.
     [[nodiscard]] static std::optional<Hotkey> fromJson(std::string_view text);
 
     // Modifier symbols in the order ⌃ ⌥ ⇧ ⌘ fn, then the key name; "None" for

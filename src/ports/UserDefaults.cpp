@@ -80,6 +80,14 @@ std::optional<Bytes> UserDefaults::dataForKey(std::string_view key) const {
     return std::nullopt;
 }
 
+std::optional<Bytes> UserDefaults::dataForKey(std::string_view key, std::size_t maxBytes) const {
+    auto data = dataForKey(key);
+    if (data && data->size() > maxBytes) {
+        return std::nullopt;
+    }
+    return data;
+}
+
 std::optional<std::string> UserDefaults::stringForKey(std::string_view key) const {
     auto value = objectForKey(key);
     if (!value) {

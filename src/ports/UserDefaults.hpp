@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -33,7 +34,9 @@ public:
     // Removes a key; absent keys are ignored.
     virtual void removeObject(std::string_view key) = 0;
 
-    [[nodiscard]] bool hasObject(std::string_view key) const { return objectForKey(key).has_value(); }
+    [[nodiscard]] bool hasObject(std::string_view key) const {
+        return objectForKey(key).has_value();
+    }
 
     // false when absent; numbers are true when nonzero; texts read like the
     // platform's text-to-bool conversion ("YES", "true", "1" are true).
@@ -45,6 +48,12 @@ public:
 
     // The bytes, only when the stored value is a data value.
     [[nodiscard]] std::optional<Bytes> dataForKey(std::string_view key) const;
+
+    // As dataForKey, and nothing for a data value longer than `maxBytes`. A
+    // backend that can tell a value's size without copying it overrides this,
+    // so that an oversized value costs its readers nothing.
+    [[nodiscard]] virtual std::optional<Bytes> dataForKey(std::string_view key,
+                                                          std::size_t maxBytes) const;
 
     // The text, for text values and numbers (written in decimal); nothing otherwise.
     [[nodiscard]] std::optional<std::string> stringForKey(std::string_view key) const;

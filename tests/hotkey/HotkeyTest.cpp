@@ -60,6 +60,10 @@ TEST(HotkeyLoad, FallsBackToFnAloneWithoutWritingAnything) {
     EXPECT_EQ(Hotkey::load(defaults), Hotkey::defaultHotkey());
     EXPECT_EQ(defaults.writeCount(), writes);
     EXPECT_TRUE(defaults.dataForKey(Hotkey::defaultsKey).has_value()) << "bad value stays";
+    const std::string huge =
+        R"({"keyCode":40,"modifiers":0,"x":")" + std::string(2000, 'x') + "\"}";
+    defaults.setData(Hotkey::defaultsKey, Bytes(huge.begin(), huge.end()));
+    EXPECT_EQ(Hotkey::load(defaults), Hotkey::defaultHotkey()) << "longer than a shortcut needs";
 
     // Decoded once per change of the stored bytes: every change is seen.
     for (const Hotkey stored : {Hotkey{40, 0x140000}, Hotkey{41, 0x140000}, Hotkey{41, 0x140000}}) {

@@ -1,8 +1,8 @@
 // The Qt backends of the ports that carry data: the settings store, the key
 // monitor's translation and consumption of keys, and the timers.
+#include "backends/fake/FakeClock.hpp"
 #include "core/UserPrefs.hpp"
 #include "hotkey/Hotkey.hpp"
-#include "backends/fake/FakeClock.hpp"
 #include "shells/qt/BriefRunningApplicationsCache.hpp"
 #include "shells/qt/QtLocalKeyMonitor.hpp"
 #include "shells/qt/QtTimers.hpp"
@@ -68,6 +68,7 @@ private slots:
         QCOMPARE(std::stod(fresh.stringForKey("ratio").value_or("0")), 2.5);
         QCOMPARE(fresh.stringForKey("name"), std::optional<std::string>("Grüß, Gremlin"));
         QCOMPARE(Hotkey::load(fresh), shortcut);
+        QVERIFY(!fresh.dataForKey(Hotkey::defaultsKey, 3)); // longer than asked for
         QVERIFY(!fresh.hasObject("gone"));
     }
 

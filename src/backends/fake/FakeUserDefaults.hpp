@@ -17,6 +17,18 @@ public:
         }
         return it->second;
     }
+    // Measures a stored data value before copying it.
+    [[nodiscard]] std::optional<Bytes> dataForKey(std::string_view key,
+                                                  std::size_t maxBytes) const override {
+        const auto it = values_.find(key);
+        const auto* data = it == values_.end() ? nullptr : std::get_if<Bytes>(&it->second);
+        if (data == nullptr || data->size() > maxBytes) {
+            return std::nullopt;
+        }
+        return *data;
+    }
+    using UserDefaults::dataForKey;
+
     void setObject(std::string_view key, const DefaultsValue& value) override {
         ++writes_;
         values_.insert_or_assign(std::string(key), value);
@@ -29,7 +41,9 @@ public:
     }
 
     [[nodiscard]] int writeCount() const { return writes_; }
-    [[nodiscard]] const std::map<std::string, DefaultsValue, std::less<>>& all() const { return values_; }
+    [[nodiscard]] const std::map<std::string, DefaultsValue, std::less<>>& all() const {
+        return values_;
+    }
 
 private:
     std::map<std::string, DefaultsValue, std::less<>> values_;

@@ -69,6 +69,19 @@ std::optional<DefaultsValue> QtUserDefaults::objectForKey(std::string_view key) 
     }
 }
 
+std::optional<Bytes> QtUserDefaults::dataForKey(std::string_view key, std::size_t maxBytes) const {
+    // The variant shares the settings' own bytes: nothing is copied to look.
+    const QVariant value = settings_->value(keyText(key));
+    if (value.typeId() != QMetaType::QByteArray) {
+        return std::nullopt;
+    }
+    const QByteArray data = value.toByteArray();
+    if (static_cast<std::size_t>(data.size()) > maxBytes) {
+        return std::nullopt;
+    }
+    return Bytes(data.begin(), data.end());
+}
+
 void QtUserDefaults::setObject(std::string_view key, const DefaultsValue& value) {
     settings_->setValue(keyText(key), toVariant(value));
     settings_->sync();

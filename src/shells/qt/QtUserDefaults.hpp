@@ -26,6 +26,10 @@ public:
     QtUserDefaults& operator=(const QtUserDefaults&) = delete;
 
     [[nodiscard]] std::optional<DefaultsValue> objectForKey(std::string_view key) const override;
+    // Measures a stored data value before copying it.
+    [[nodiscard]] std::optional<Bytes> dataForKey(std::string_view key,
+                                                  std::size_t maxBytes) const override;
+    using UserDefaults::dataForKey;
     void setObject(std::string_view key, const DefaultsValue& value) override;
     void removeObject(std::string_view key) override;
 
