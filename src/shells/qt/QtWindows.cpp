@@ -112,8 +112,11 @@ QtWindows::~QtWindows() {
 WindowId QtWindows::create(WindowSpec description) {
     auto window = std::make_unique<HostWindow>(description, frames_);
     window->setWindowFlags(flagsFor(description));
-    window->setWindowTitle(description.title ? QString::fromStdString(*description.title)
-                                             : QString());
+    // Qt names a window with an empty title after the application on X11 and
+    // Wayland; a blank one leaves an untitled window untitled there too.
+    window->setWindowTitle(description.title && !description.title->empty()
+                               ? QString::fromStdString(*description.title)
+                               : QStringLiteral(" "));
     if (description.panel) {
         window->setAttribute(Qt::WA_ShowWithoutActivating);
         window->setAttribute(Qt::WA_MacAlwaysShowToolWindow);
