@@ -104,6 +104,7 @@ TEST(XdgLoginItems, QuotesTheProgramPathForExec) {
         {"/opt/a$b/hg", "\"/opt/a\\\\$b/hg\""},
         {"/opt/a\\b/hg", "\"/opt/a\\\\\\\\b/hg\""},
         {"/opt/100%/hg", "/opt/100%%/hg"},
+        {"/opt/a\nHidden=true\t/hg", "\"/opt/a\\nHidden=true\\t/hg\""},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(XdgLoginItems::execArgument(row.path), row.exec) << row.path;

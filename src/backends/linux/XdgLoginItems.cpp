@@ -60,8 +60,10 @@ std::string XdgLoginItems::entryPath() const {
 std::string XdgLoginItems::execArgument(const std::string& path) {
     // Exec quoting: reserved characters put the argument in double quotes,
     // inside which " ` $ and \ take a backslash. The value is then a desktop
-    // entry string, whose own escaping doubles every backslash. % starts a
-    // field code anywhere, so it is doubled.
+    // entry string, whose own escaping doubles every backslash and writes a
+    // line break or tab as \n, \r, \t: a raw one would end the entry's line
+    // and let the rest of the path read as keys of its own. % starts a field
+    // code anywhere, so it is doubled.
     const std::string reserved = " \t\n\"'\\><~|&;$*?#()`";
     const bool quote = path.find_first_of(reserved) != std::string::npos;
     std::string argument;
@@ -75,6 +77,10 @@ std::string XdgLoginItems::execArgument(const std::string& path) {
                 argument += "\\\\";
                 continue;
             }
+        }
+        if (c == '\n' || c == '\r' || c == '\t') {
+            argument += c == '\n' ? "\\n" : (c == '\r' ? "\\r" : "\\t");
+            continue;
         }
         argument += c;
         if (c == '%') {
