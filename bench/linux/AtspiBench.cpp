@@ -1,6 +1,7 @@
 // The cost of reading and toggling Zoom's mute through AT-SPI, against the
-// fixture application on a private desktop: wall time and D-Bus round trips
-// for one fetchStatus (the watcher's tick) and one toggle of a cached item.
+// fixture applications (Qt 6, GTK 3, Qt 5) on a private desktop: wall time,
+// D-Bus round trips and messages for one fetchStatus (the watcher's tick) and
+// one toggle of a cached item.
 
 #include "DesktopSession.hpp"
 #include "apps/ZoomMeetingApp.hpp"
@@ -9,6 +10,7 @@
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>
+#include <map>
 #include <memory>
 
 namespace hg::test {
@@ -19,16 +21,15 @@ public:
     void line(std::string_view) override {}
 };
 
-// One desktop, one fixture application in a meeting, for all benchmarks.
+// One desktop and, for each toolkit, one fixture application in a meeting.
 struct Desktop {
-    std::unique_ptr<QCoreApplication> app;
     std::unique_ptr<AtspiAccessibility> ax;
     std::unique_ptr<FixtureApp> fixture;
     std::unique_ptr<ProcRunningApplications> apps;
     NullSink out;
     std::string whyNot;
 
-    Desktop() {
+    explicit Desktop(Toolkit toolkit) {
         if (DesktopSession::shared() == nullptr) {
             whyNot = DesktopSession::skipReason();
             return;
@@ -36,9 +37,9 @@ struct Desktop {
         static int argc = 1;
         static char name[] = "linux_atspi_bench";
         static char* argv[] = {name, nullptr};
-        app = std::make_unique<QCoreApplication>(argc, argv);
+        static const QCoreApplication app(argc, argv);
         ax = std::make_unique<AtspiAccessibility>(AtspiAccessibility::Options{.alwaysOn = true});
-        fixture = FixtureApp::start(*ax, whyNot);
+        fixture = FixtureApp::start(*ax, whyNot, toolkit);
         if (!fixture) {
             return;
         }
@@ -47,34 +48,51 @@ struct Desktop {
             .identities = {AppIdentity{"us.zoom.xos", {fixture->processName()}, {}}}});
     }
 
-    static Desktop& shared() {
-        static Desktop desktop;
-        return desktop;
+    // By the benchmark's argument: 0 Qt 6, 1 GTK 3, 2 Qt 5.
+    static Desktop& shared(const benchmark::State& state) {
+        static std::map<std::int64_t, std::unique_ptr<Desktop>> desktops;
+        auto& desktop = desktops[state.range(0)];
+        if (!desktop) {
+            desktop = std::make_unique<Desktop>(static_cast<Toolkit>(state.range(0)));
+        }
+        return *desktop;
     }
 };
 
-void reportRoundTrips(benchmark::State& state, std::uint64_t before, std::uint64_t after) {
+struct BusCount {
+    std::uint64_t roundTrips;
+    std::uint64_t messages;
+};
+
+BusCount busCount(const AtspiAccessibility& ax) {
+    return {ax.roundTrips(), ax.messages()};
+}
+
+void reportRoundTrips(benchmark::State& state, BusCount before, BusCount after) {
     state.counters["round_trips"] =
-        benchmark::Counter(static_cast<double>(after - before), benchmark::Counter::kAvgIterations);
+        benchmark::Counter(static_cast<double>(after.roundTrips - before.roundTrips),
+                           benchmark::Counter::kAvgIterations);
+    state.counters["messages"] = benchmark::Counter(
+        static_cast<double>(after.messages - before.messages), benchmark::Counter::kAvgIterations);
 }
 
 void BM_FetchStatus(benchmark::State& state) {
-    Desktop& desktop = Desktop::shared();
+    Desktop& desktop = Desktop::shared(state);
     if (!desktop.fixture) {
         state.SkipWithError(desktop.whyNot.c_str());
         return;
     }
     ZoomMeetingApp zoom(*desktop.ax, *desktop.apps, desktop.out);
-    const auto before = desktop.ax->roundTrips();
+    const auto before = busCount(*desktop.ax);
     for (auto _ : state) {
         benchmark::DoNotOptimize(zoom.fetchStatus());
     }
-    reportRoundTrips(state, before, desktop.ax->roundTrips());
+    reportRoundTrips(state, before, busCount(*desktop.ax));
 }
-BENCHMARK(BM_FetchStatus)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_FetchStatus)->Unit(benchmark::kMillisecond)->ArgName("toolkit")->DenseRange(0, 2);
 
 void BM_CachedToggle(benchmark::State& state) {
-    Desktop& desktop = Desktop::shared();
+    Desktop& desktop = Desktop::shared(state);
     if (!desktop.fixture) {
         state.SkipWithError(desktop.whyNot.c_str());
         return;
@@ -85,16 +103,21 @@ void BM_CachedToggle(benchmark::State& state) {
         state.SkipWithError("the fixture's mute item could not be pressed");
         return;
     }
-    const auto before = desktop.ax->roundTrips();
+    const auto before = busCount(*desktop.ax);
     for (auto _ : state) {
         benchmark::DoNotOptimize(zoom.toggleMute(MeetingStatus::onMute));
     }
-    reportRoundTrips(state, before, desktop.ax->roundTrips());
+    reportRoundTrips(state, before, busCount(*desktop.ax));
 }
-BENCHMARK(BM_CachedToggle)->Unit(benchmark::kMillisecond);
+// A bounded count: the fixtures report every press on a pipe nobody reads here.
+BENCHMARK(BM_CachedToggle)
+    ->Unit(benchmark::kMillisecond)
+    ->ArgName("toolkit")
+    ->DenseRange(0, 2)
+    ->Iterations(500);
 
 void BM_TrustTest(benchmark::State& state) {
-    Desktop& desktop = Desktop::shared();
+    Desktop& desktop = Desktop::shared(state);
     if (!desktop.fixture) {
         state.SkipWithError(desktop.whyNot.c_str());
         return;
@@ -102,13 +125,13 @@ void BM_TrustTest(benchmark::State& state) {
     // The watcher's once-a-second question, with the desktop switch consulted.
     AtspiAccessibility ax(AtspiAccessibility::Options{.alwaysOn = false});
     ax.isProcessTrusted(false); // opens the connection
-    const auto before = ax.roundTrips();
+    const auto before = busCount(ax);
     for (auto _ : state) {
         benchmark::DoNotOptimize(ax.isProcessTrusted(false));
     }
-    reportRoundTrips(state, before, ax.roundTrips());
+    reportRoundTrips(state, before, busCount(ax));
 }
-BENCHMARK(BM_TrustTest)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_TrustTest)->Unit(benchmark::kMicrosecond)->Arg(0);
 
 void BM_RunningApplications(benchmark::State& state) {
     // Every process of the machine is looked at: this is the cost of one

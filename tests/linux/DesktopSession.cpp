@@ -176,9 +176,10 @@ bool DesktopSession::start(std::string& why) {
     }
     ::setenv("DBUS_SESSION_BUS_ADDRESS", address->c_str(), 1);
     // Xvfb writes the display number it chose once it accepts clients.
+    // -noreset: the root window's properties outlive the last client.
     display_ = std::make_unique<ChildProcess>(
-        std::vector<std::string>{"Xvfb", "-displayfd", "1", "-nolisten", "tcp", "-screen", "0",
-                                 "1024x768x24", "-nocursor"},
+        std::vector<std::string>{"Xvfb", "-displayfd", "1", "-noreset", "-nolisten", "tcp",
+                                 "-screen", "0", "1024x768x24", "-nocursor"},
         scratch_ + "/xvfb.log");
     const auto number = display_->waitForLine("", 10s);
     if (!number || number->empty()) {
@@ -189,7 +190,24 @@ bool DesktopSession::start(std::string& why) {
     std::string display(":");
     display.append(*number);
     ::setenv("DISPLAY", display.c_str(), 1);
+    publishAccessibilityBus();
     return true;
+}
+
+void DesktopSession::publishAccessibilityBus() const {
+    const std::string log = scratch_ + "/publish.log";
+    // dbus-send ends the address without a line feed.
+    ChildProcess ask({"sh", "-c",
+                      "dbus-send --session --print-reply=literal --dest=org.a11y.Bus "
+                      "/org/a11y/bus org.a11y.Bus.GetAddress && echo"},
+                     log);
+    std::string address = ask.waitForLine("", 10s).value_or("");
+    address.erase(0, address.find_first_not_of(' '));
+    if (!address.empty()) {
+        ChildProcess({"xprop", "-root", "-f", "AT_SPI_BUS", "8s", "-set", "AT_SPI_BUS", address},
+                     log)
+            .waitForExit(10s);
+    }
 }
 
 DesktopSession::~DesktopSession() {
@@ -203,12 +221,23 @@ DesktopSession::~DesktopSession() {
     std::filesystem::remove_all(scratch_, ignored);
 }
 
-FixtureApp::FixtureApp(std::string name, const std::string& link, const std::string& logPath)
-    : ChildProcess({"env", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1", "QT_QPA_PLATFORM=xcb", link},
-                   logPath),
-      name_(std::move(name)) {}
+const char* toolkitName(Toolkit toolkit) {
+    switch (toolkit) {
+    case Toolkit::qt6:
+        return "qt6";
+    case Toolkit::gtk3:
+        return "gtk3";
+    case Toolkit::qt5:
+        return "qt5";
+    }
+    return "?";
+}
 
-std::unique_ptr<FixtureApp> FixtureApp::start(AtspiAccessibility& ax, std::string& whyNot) {
+FixtureApp::FixtureApp(std::string name, std::vector<std::string> argv, const std::string& logPath)
+    : ChildProcess(std::move(argv), logPath), name_(std::move(name)) {}
+
+std::unique_ptr<FixtureApp> FixtureApp::start(AtspiAccessibility& ax, std::string& whyNot,
+                                              Toolkit toolkit) {
     const DesktopSession* session = DesktopSession::shared();
     if (session == nullptr) {
         whyNot = DesktopSession::skipReason();
@@ -218,14 +247,26 @@ std::unique_ptr<FixtureApp> FixtureApp::start(AtspiAccessibility& ax, std::strin
     static int started = 0;
     std::string name = "hgfx" + std::to_string(::getpid()) + "-" + std::to_string(++started % 100);
     const std::string link = session->scratchDir() + "/" + name;
-    if (::symlink(HG_FIXTURE_APP, link.c_str()) != 0) {
+    // The Python fixtures run under a link to Debian's interpreter, which
+    // has the toolkit bindings (a python3 earlier in PATH may not).
+    const char* program = toolkit == Toolkit::qt6 ? HG_FIXTURE_APP : "/usr/bin/python3";
+    if (::symlink(program, link.c_str()) != 0) {
         whyNot = "no link to the fixture application could be made in " + session->scratchDir();
         return nullptr;
     }
+    std::vector<std::string> argv{"env", "QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1",
+                                  "QT_QPA_PLATFORM=xcb", "GDK_BACKEND=x11", link};
+    if (toolkit == Toolkit::gtk3) {
+        argv.emplace_back(HG_FIXTURES_DIR "/meeting-fixture-gtk3.py");
+    } else if (toolkit == Toolkit::qt5) {
+        argv.emplace_back(HG_FIXTURES_DIR "/meeting-fixture-qt5.py");
+    }
     std::unique_ptr<FixtureApp> app(
-        new FixtureApp(std::move(name), link, session->scratchDir() + "/fixture.log"));
+        new FixtureApp(std::move(name), std::move(argv), session->scratchDir() + "/fixture.log"));
     if (!app->waitForLine("ready ")) {
-        whyNot = "the fixture application did not start on the private display";
+        whyNot = std::string("the ") + toolkitName(toolkit) +
+                 " fixture application did not start on the private display (are its "
+                 "toolkit's Python bindings installed?)";
         return nullptr;
     }
     const pid_t pid = app->pid();

@@ -67,7 +67,8 @@ private:
 };
 
 // A private desktop, as `dbus-run-session` under Xvfb: its own X display,
-// session bus (which starts the accessibility bus on demand) and scratch home
+// session bus and accessibility bus (its address published on the root
+// window as AT_SPI_BUS, as desktops do, where Qt 5 looks first), scratch home
 // with GSettings kept in memory, so nothing a test switches outlives it or
 // reaches the user's desktop. This process's environment points at it
 // (DISPLAY, DBUS_SESSION_BUS_ADDRESS, HOME, XDG_*), and children inherit it.
@@ -84,6 +85,7 @@ public:
 private:
     DesktopSession() = default;
     bool start(std::string& why);
+    void publishAccessibilityBus() const;
 
     static std::string skipReason_;
     std::string scratch_;
@@ -91,14 +93,21 @@ private:
     std::unique_ptr<ChildProcess> display_;
 };
 
-// The fixture meeting application (hg-fixture-app) on the private desktop,
-// with its accessibility tree exported. It runs under a process name of its
-// own, so that parallel tests never find each other's.
+// The toolkits the fixture meeting application is written with: Qt 6
+// (hg-fixture-app), and GTK 3 and Qt 5 (Python scripts on Debian's bindings),
+// each building its "Meeting" menu the way programs of that toolkit do.
+enum class Toolkit { qt6, gtk3, qt5 };
+const char* toolkitName(Toolkit toolkit);
+
+// The fixture meeting application on the private desktop, with its
+// accessibility tree exported. It runs under a process name of its own, so
+// that parallel tests never find each other's.
 class FixtureApp : public ChildProcess {
 public:
     // Starts it and waits until `ax` reads its menu bar; null, with the
     // reason, when it does not come up.
-    static std::unique_ptr<FixtureApp> start(AtspiAccessibility& ax, std::string& whyNot);
+    static std::unique_ptr<FixtureApp> start(AtspiAccessibility& ax, std::string& whyNot,
+                                             Toolkit toolkit = Toolkit::qt6);
 
     // As /proc/PID/comm shows it.
     [[nodiscard]] const std::string& processName() const { return name_; }
@@ -111,7 +120,7 @@ public:
     void kill(AtspiAccessibility& ax);
 
 private:
-    FixtureApp(std::string name, const std::string& link, const std::string& logPath);
+    FixtureApp(std::string name, std::vector<std::string> argv, const std::string& logPath);
 
     std::string name_;
 };

@@ -16,10 +16,6 @@ const QString rootPath = QStringLiteral("/org/a11y/atspi/accessible/root");
 const QString accessibleInterface = QStringLiteral("org.a11y.atspi.Accessible");
 const QString actionInterface = QStringLiteral("org.a11y.atspi.Action");
 
-// AtspiStateType bits.
-constexpr unsigned stateEnabled = 8;
-constexpr unsigned stateSensitive = 24;
-
 AXError failureCode(const char* name) {
     return axErrorFor(QLatin1String(name));
 }
@@ -73,10 +69,9 @@ std::optional<ProcessId> AtspiAccessibility::processOf(const QString& service) {
     return pid;
 }
 
-AXError AtspiAccessibility::childRefs(const QString& service, const QString& path,
-                                      std::vector<AtspiObjectRef>& out) {
+AXError AtspiAccessibility::applications(std::vector<AtspiObjectRef>& out) {
     const AtspiReply reply =
-        bus_.call(service, path, accessibleInterface, QStringLiteral("GetChildren"));
+        bus_.call(registryService, rootPath, accessibleInterface, QStringLiteral("GetChildren"));
     if (reply.error != ax::success) {
         return reply.error;
     }
@@ -86,26 +81,6 @@ AXError AtspiAccessibility::childRefs(const QString& service, const QString& pat
         return failureCode(atspiFailure::badReply);
     }
     out.assign(refs->begin(), refs->end());
-    for (auto& ref : out) {
-        // Some toolkits leave the bus name out for objects of their own.
-        if (ref.service.isEmpty()) {
-            ref.service = service;
-        }
-    }
-    return ax::success;
-}
-
-AXError AtspiAccessibility::roleNumber(const QString& service, const QString& path,
-                                       std::uint32_t& out) {
-    const AtspiReply reply =
-        bus_.call(service, path, accessibleInterface, QStringLiteral("GetRole"));
-    if (reply.error != ax::success) {
-        return reply.error;
-    }
-    if (reply.arguments.size() != 1 || reply.arguments.front().typeId() != QMetaType::UInt) {
-        return failureCode(atspiFailure::badReply);
-    }
-    out = reply.arguments.front().toUInt();
     return ax::success;
 }
 
@@ -118,13 +93,15 @@ void AtspiAccessibility::forgetUnregistered(const std::vector<AtspiObjectRef>& a
 }
 
 AXElementRef AtspiAccessibility::createApplication(ProcessId pid) {
-    std::vector<AtspiObjectRef> applications;
-    if (const AXError code = childRefs(registryService, rootPath, applications);
-        code != ax::success) {
+    // Every read of an application starts here: what an earlier walk learnt
+    // may be out of date.
+    tree_.forget();
+    std::vector<AtspiObjectRef> registered;
+    if (const AXError code = applications(registered); code != ax::success) {
         return AtspiElement::dead(code);
     }
-    forgetUnregistered(applications);
-    for (const auto& application : applications) {
+    forgetUnregistered(registered);
+    for (const auto& application : registered) {
         if (processOf(application.service) == pid) {
             return std::make_shared<AtspiElement>(application.service, application.path,
                                                   bus_.generation());
@@ -134,13 +111,13 @@ AXElementRef AtspiAccessibility::createApplication(ProcessId pid) {
 }
 
 std::vector<ProcessId> AtspiAccessibility::registeredProcessIds() {
-    std::vector<AtspiObjectRef> applications;
+    std::vector<AtspiObjectRef> registered;
     std::vector<ProcessId> pids;
-    if (childRefs(registryService, rootPath, applications) != ax::success) {
+    if (applications(registered) != ax::success) {
         return pids;
     }
-    forgetUnregistered(applications);
-    for (const auto& application : applications) {
+    forgetUnregistered(registered);
+    for (const auto& application : registered) {
         if (const auto pid = processOf(application.service)) {
             pids.push_back(*pid);
         }
@@ -189,7 +166,7 @@ AXCopyResult AtspiAccessibility::copyAttributeValue(const AXElementRef& element,
 
 AXCopyResult AtspiAccessibility::children(const AtspiElement& element) {
     std::vector<AtspiObjectRef> refs;
-    if (const AXError code = childRefs(element.service(), element.path(), refs);
+    if (const AXError code = tree_.children({element.service(), element.path()}, refs);
         code != ax::success) {
         return failed(code);
     }
@@ -204,7 +181,7 @@ AXCopyResult AtspiAccessibility::children(const AtspiElement& element) {
 
 AXCopyResult AtspiAccessibility::role(const AtspiElement& element) {
     std::uint32_t number = 0;
-    if (const AXError code = roleNumber(element.service(), element.path(), number);
+    if (const AXError code = tree_.role({element.service(), element.path()}, number);
         code != ax::success) {
         return failed(code);
     }
@@ -212,43 +189,23 @@ AXCopyResult AtspiAccessibility::role(const AtspiElement& element) {
 }
 
 AXCopyResult AtspiAccessibility::title(const AtspiElement& element) {
-    const AtspiReply reply = bus_.property(element.service(), element.path(), accessibleInterface,
-                                           QStringLiteral("Name"));
-    if (reply.error != ax::success) {
-        return failed(reply.error);
-    }
-    if (reply.arguments.front().typeId() != QMetaType::QString) {
-        return failed(failureCode(atspiFailure::badReply));
-    }
-    return AXCopyResult{ax::success, reply.arguments.front().toString().toStdString()};
-}
-
-AXCopyResult AtspiAccessibility::menuBar(const AtspiElement& element) {
-    std::vector<AtspiObjectRef> windows;
-    if (const AXError code = childRefs(element.service(), element.path(), windows);
+    QString name;
+    if (const AXError code = tree_.name({element.service(), element.path()}, name);
         code != ax::success) {
         return failed(code);
     }
-    for (const auto& window : windows) {
-        std::vector<AtspiObjectRef> parts;
-        if (const AXError code = childRefs(window.service, window.path, parts);
-            code != ax::success) {
-            return failed(code);
-        }
-        for (auto& part : parts) {
-            std::uint32_t number = 0;
-            if (const AXError code = roleNumber(part.service, part.path, number);
-                code != ax::success) {
-                return failed(code);
-            }
-            if (number == atspiRole::menuBar) {
-                return AXCopyResult{ax::success, AXElementRef(std::make_shared<AtspiElement>(
-                                                     std::move(part.service), std::move(part.path),
-                                                     bus_.generation()))};
-            }
-        }
+    return AXCopyResult{ax::success, name.toStdString()};
+}
+
+AXCopyResult AtspiAccessibility::menuBar(const AtspiElement& element) {
+    AtspiObjectRef found;
+    if (const AXError code = tree_.menuBar({element.service(), element.path()}, found);
+        code != ax::success) {
+        return failed(code);
     }
-    return failed(failureCode(atspiFailure::noMenuBar));
+    return AXCopyResult{ax::success,
+                        AXElementRef(std::make_shared<AtspiElement>(
+                            std::move(found.service), std::move(found.path), bus_.generation()))};
 }
 
 AXError AtspiAccessibility::performAction(const AXElementRef& element, std::string_view action) {
@@ -265,9 +222,32 @@ AXError AtspiAccessibility::performAction(const AXElementRef& element, std::stri
     if (action != "AXPress") {
         return failureCode(atspiFailure::noAction);
     }
+    const AXError code = press(*atspi);
+    // The application's menus may look different now.
+    tree_.forget();
+    return code;
+}
 
-    const AtspiReply state =
-        bus_.call(atspi->service(), atspi->path(), accessibleInterface, QStringLiteral("GetState"));
+AXError AtspiAccessibility::press(const AtspiElement& element) {
+    if (actionCountsGeneration_ != bus_.generation()) {
+        actionCounts_.clear();
+        actionCountsGeneration_ = bus_.generation();
+    }
+    const QString& service = element.service();
+    const QString& path = element.path();
+    const std::pair<QString, QString> key{service, path};
+    const bool countKnown = actionCounts_.contains(key);
+    const AtspiRequest doAction{
+        service, path, actionInterface, QStringLiteral("DoAction"), {QVariant(0)}};
+    // An element pressed before is asked for its state and pressed in one
+    // round trip. The application answers in order, so the state is the one
+    // the press met; a disabled item ignores the press in every toolkit.
+    std::vector<AtspiReply> replies = bus_.callAll({
+        {service, path, accessibleInterface, QStringLiteral("GetState")},
+        countKnown ? doAction
+                   : AtspiRequest{service, path, actionInterface, QStringLiteral("GetActions")},
+    });
+    const AtspiReply& state = replies[0];
     if (state.error != ax::success) {
         return state.error;
     }
@@ -276,29 +256,40 @@ AXError AtspiAccessibility::performAction(const AXElementRef& element, std::stri
     if (!words) {
         return failureCode(atspiFailure::badReply);
     }
-    if (!hasState(*words, stateEnabled) && !hasState(*words, stateSensitive)) {
+    // Qt would answer a disabled item's press with true and do nothing; a
+    // hidden Qt item is disabled too.
+    if (!hasState(*words, atspiState::enabled) && !hasState(*words, atspiState::sensitive)) {
         return failureCode(atspiFailure::disabled);
     }
 
-    const AtspiReply actions =
-        bus_.call(atspi->service(), atspi->path(), actionInterface, QStringLiteral("GetActions"));
-    if (actions.error != ax::success) {
-        // An element without the action interface simply has no action.
-        const bool missing = actions.error == failureCode(atspiFailure::unknownAttribute);
-        return missing ? failureCode(atspiFailure::noAction) : actions.error;
-    }
-    const auto count =
-        actions.arguments.size() == 1 ? readActionCount(actions.arguments.front()) : std::nullopt;
-    if (!count) {
-        return failureCode(atspiFailure::badReply);
-    }
-    if (*count == 0) {
-        return failureCode(atspiFailure::noAction);
+    if (!countKnown) {
+        const AtspiReply& actions = replies[1];
+        if (actions.error != ax::success) {
+            // An element without the action interface simply has no action.
+            const bool missing = actions.error == failureCode(atspiFailure::unknownAttribute);
+            return missing ? failureCode(atspiFailure::noAction) : actions.error;
+        }
+        const auto count = actions.arguments.size() == 1
+                               ? readActionCount(actions.arguments.front())
+                               : std::nullopt;
+        if (!count) {
+            return failureCode(atspiFailure::badReply);
+        }
+        if (*count == 0) {
+            return failureCode(atspiFailure::noAction);
+        }
+        // The elements of a session's presses are few; should they not be,
+        // the oldest knowledge goes.
+        if (actionCounts_.size() >= 64) {
+            actionCounts_.clear();
+        }
+        actionCounts_[key] = *count;
+        replies = bus_.callAll({doAction});
     }
 
-    const AtspiReply done = bus_.call(atspi->service(), atspi->path(), actionInterface,
-                                      QStringLiteral("DoAction"), {QVariant(0)});
+    const AtspiReply& done = replies.back();
     if (done.error != ax::success) {
+        actionCounts_.erase(key);
         return done.error;
     }
     if (done.arguments.size() != 1 || done.arguments.front().typeId() != QMetaType::Bool) {

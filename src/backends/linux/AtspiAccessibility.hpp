@@ -1,7 +1,8 @@
 #pragma once
 
-#include "ports/Accessibility.hpp"
 #include "backends/linux/AtspiBus.hpp"
+#include "backends/linux/AtspiTree.hpp"
+#include "ports/Accessibility.hpp"
 
 #include <QString>
 #include <chrono>
@@ -18,12 +19,16 @@ struct AtspiObjectRef;
 //
 // Elements are AtspiElement handles (bus name + object path), always found by
 // walking: the application of a process is the registry's child whose bus
-// connection belongs to that process; "AXMenuBar" is the first menu bar among
-// the children of its windows; "AXChildren" is GetChildren; "AXRole" is
-// GetRole named as by axRoleName (menus and popup menus are "AXMenu");
-// "AXTitle" is the Name property; "AXPress" is the element's first action,
-// refused for an item that is neither enabled nor sensitive. Failures are the
-// AXErrors of AtspiErrors. Every call waits at most the time-out.
+// connection belongs to that process; "AXMenuBar" is its shallowest menu bar
+// below its windows; "AXChildren" is GetChildren without the menu items a
+// toolkit keeps hidden; "AXRole" is GetRole named as by axRoleName (menus and
+// popup menus are "AXMenu", a menu bar's entries "AXMenuItem"); "AXTitle" is
+// the Name property without padding; "AXPress" is the element's first
+// action, refused for an item that is neither enabled nor sensitive. Failures
+// are the AXErrors of AtspiErrors. Every call waits at most the time-out.
+//
+// Reads go through an AtspiTree: each application lookup starts a walk, which
+// asks every object once and a whole level of the tree in one round trip.
 //
 // Trust: the accessibility bus is reachable, and either the desktop's
 // accessibility switch (org.a11y.Status.IsEnabled) is on, or this program
@@ -55,8 +60,10 @@ public:
     // empty when the bus cannot be reached.
     std::vector<ProcessId> registeredProcessIds();
 
-    // Messages sent and waited for since construction, for measurements.
+    // Round trips and messages on the buses since construction, for
+    // measurements.
     [[nodiscard]] std::uint64_t roundTrips() const { return bus_.roundTrips(); }
+    [[nodiscard]] std::uint64_t messages() const { return bus_.messages(); }
 
 private:
     // The element's failure when it cannot be asked anything, else 0.
@@ -65,16 +72,20 @@ private:
     AXCopyResult role(const AtspiElement& element);
     AXCopyResult title(const AtspiElement& element);
     AXCopyResult menuBar(const AtspiElement& element);
-    // GetChildren as references; a nonzero code on failure.
-    AXError childRefs(const QString& service, const QString& path,
-                      std::vector<AtspiObjectRef>& out);
-    AXError roleNumber(const QString& service, const QString& path, std::uint32_t& out);
+    AXError press(const AtspiElement& element);
+    // The applications in the registry; a nonzero code on failure.
+    AXError applications(std::vector<AtspiObjectRef>& out);
     std::optional<ProcessId> processOf(const QString& service);
     // Drops the remembered processes of applications no longer registered.
     void forgetUnregistered(const std::vector<AtspiObjectRef>& applications);
 
     AtspiBus bus_;
+    AtspiTree tree_{bus_};
     bool alwaysOn_;
+    // How many actions the elements pressed so far offer: a later press of
+    // the same element needs no question before the action.
+    std::map<std::pair<QString, QString>, int> actionCounts_;
+    std::uint64_t actionCountsGeneration_ = 0;
     // Unique bus names never come back within one bus's life and a
     // connection keeps its process, so this stays true until the bus is
     // opened anew.

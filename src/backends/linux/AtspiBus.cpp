@@ -4,6 +4,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QDBusVariant>
 #include <atomic>
 
@@ -53,6 +54,7 @@ std::optional<QString> AtspiBus::busAddress() {
     const QDBusMessage request = QDBusMessage::createMethodCall(
         a11yBusService, a11yBusPath, a11yBusService, QStringLiteral("GetAddress"));
     ++roundTrips_;
+    ++messages_;
     const QDBusMessage reply =
         session.call(request, QDBus::Block, static_cast<int>(timeout_.count()));
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().size() != 1 ||
@@ -76,6 +78,7 @@ bool AtspiBus::connect() {
         return false;
     }
     ++roundTrips_; // the bus's Hello
+    ++messages_;
     const QDBusConnection connection = QDBusConnection::connectToBus(*address, connectionName_);
     if (!connection.isConnected()) {
         QDBusConnection::disconnectFromBus(connectionName_);
@@ -88,31 +91,59 @@ bool AtspiBus::connect() {
 
 AtspiReply AtspiBus::call(const QString& service, const QString& path, const QString& interface,
                           const QString& method, const QList<QVariant>& arguments) {
-    if (!connect()) {
-        return failed(axErrorFor(QLatin1String(atspiFailure::busUnreachable)));
+    return std::move(callAll({AtspiRequest{service, path, interface, method, arguments}}).front());
+}
+
+std::vector<AtspiReply> AtspiBus::callAll(const std::vector<AtspiRequest>& requests) {
+    std::vector<AtspiReply> replies;
+    replies.reserve(requests.size());
+    if (requests.empty()) {
+        return replies;
     }
-    QDBusMessage request = QDBusMessage::createMethodCall(service, path, interface, method);
-    request.setArguments(arguments);
-    ++roundTrips_;
+    if (!connect()) {
+        replies.assign(requests.size(),
+                       failed(axErrorFor(QLatin1String(atspiFailure::busUnreachable))));
+        return replies;
+    }
     QDBusConnection connection(connectionName_);
-    const QDBusMessage reply =
-        connection.call(request, QDBus::Block, static_cast<int>(timeout_.count()));
-    if (reply.type() == QDBusMessage::ReplyMessage) {
-        return AtspiReply{ax::success, reply.arguments()};
+    std::vector<QDBusPendingCall> pending;
+    pending.reserve(requests.size());
+    for (const auto& request : requests) {
+        QDBusMessage message = QDBusMessage::createMethodCall(request.service, request.path,
+                                                              request.interface, request.method);
+        message.setArguments(request.arguments);
+        pending.push_back(connection.asyncCall(message, static_cast<int>(timeout_.count())));
+    }
+    ++roundTrips_;
+    messages_ += requests.size();
+    // Waiting blocks in QtDBus's own thread: no event of ours runs meanwhile.
+    for (auto& call : pending) {
+        call.waitForFinished();
+        const QDBusMessage reply = call.reply();
+        if (reply.type() == QDBusMessage::ReplyMessage) {
+            replies.push_back(AtspiReply{ax::success, reply.arguments()});
+        } else if (reply.type() == QDBusMessage::ErrorMessage) {
+            replies.push_back(failed(axErrorFor(reply.errorName())));
+        } else {
+            replies.push_back(failed(axErrorFor(QLatin1String(atspiFailure::badReply))));
+        }
     }
     if (!connection.isConnected()) {
         drop();
     }
-    if (reply.type() == QDBusMessage::ErrorMessage) {
-        return failed(axErrorFor(reply.errorName()));
-    }
-    return failed(axErrorFor(QLatin1String(atspiFailure::badReply)));
+    return replies;
 }
 
-AtspiReply AtspiBus::property(const QString& service, const QString& path, const QString& interface,
-                              const QString& name) {
-    AtspiReply reply = call(service, path, propertiesInterface, QStringLiteral("Get"),
-                            {QVariant(interface), QVariant(name)});
+AtspiRequest AtspiBus::propertyRequest(const QString& service, const QString& path,
+                                       const QString& interface, const QString& name) {
+    return AtspiRequest{service,
+                        path,
+                        propertiesInterface,
+                        QStringLiteral("Get"),
+                        {QVariant(interface), QVariant(name)}};
+}
+
+AtspiReply AtspiBus::propertyValue(AtspiReply reply) {
     if (reply.error != ax::success) {
         return reply;
     }
@@ -121,6 +152,13 @@ AtspiReply AtspiBus::property(const QString& service, const QString& path, const
     }
     const QVariant value = reply.arguments.front().value<QDBusVariant>().variant();
     return AtspiReply{ax::success, {value}};
+}
+
+AtspiReply AtspiBus::property(const QString& service, const QString& path, const QString& interface,
+                              const QString& name) {
+    const AtspiRequest request = propertyRequest(service, path, interface, name);
+    return propertyValue(
+        call(request.service, request.path, request.interface, request.method, request.arguments));
 }
 
 std::optional<bool> AtspiBus::isEnabled() {
@@ -132,6 +170,7 @@ std::optional<bool> AtspiBus::isEnabled() {
         a11yBusService, a11yBusPath, propertiesInterface, QStringLiteral("Get"));
     request.setArguments({statusInterface, QStringLiteral("IsEnabled")});
     ++roundTrips_;
+    ++messages_;
     const QDBusMessage reply =
         session.call(request, QDBus::Block, static_cast<int>(timeout_.count()));
     if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().size() != 1) {
@@ -154,6 +193,7 @@ bool AtspiBus::setEnabled(bool enabled) {
     request.setArguments(
         {statusInterface, QStringLiteral("IsEnabled"), QVariant::fromValue(QDBusVariant(enabled))});
     ++roundTrips_;
+    ++messages_;
     const QDBusMessage reply =
         session.call(request, QDBus::Block, static_cast<int>(timeout_.count()));
     return reply.type() == QDBusMessage::ReplyMessage;

@@ -8,6 +8,7 @@
 #include <chrono>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace hg {
 
@@ -19,6 +20,15 @@ inline constexpr std::chrono::milliseconds atspiCallTimeout{1000};
 struct AtspiReply {
     AXError error = ax::success; // nonzero: the call failed and `arguments` is empty
     QList<QVariant> arguments;
+};
+
+// One method call on the accessibility bus.
+struct AtspiRequest {
+    QString service;
+    QString path;
+    QString interface;
+    QString method;
+    QList<QVariant> arguments{};
 };
 
 // The connection to the AT-SPI accessibility bus, and the few calls on the
@@ -46,8 +56,19 @@ public:
     AtspiReply call(const QString& service, const QString& path, const QString& interface,
                     const QString& method, const QList<QVariant>& arguments = {});
 
-    // Properties.Get of one property (never GetAll, which crashes Qt 6.4
-    // applications under inspection); the value comes back unwrapped.
+    // Sends every request at once and then waits for all the replies, in the
+    // requests' order: one round trip, and at most one time-out however many
+    // requests a stopped application leaves unanswered.
+    std::vector<AtspiReply> callAll(const std::vector<AtspiRequest>& requests);
+
+    // The request for Properties.Get of one property (never GetAll, which
+    // crashes Qt 6.4 applications under inspection), and its reply with the
+    // value unwrapped.
+    static AtspiRequest propertyRequest(const QString& service, const QString& path,
+                                        const QString& interface, const QString& name);
+    static AtspiReply propertyValue(AtspiReply reply);
+
+    // Properties.Get of one property; the value comes back unwrapped.
     AtspiReply property(const QString& service, const QString& path, const QString& interface,
                         const QString& name);
 
@@ -59,8 +80,10 @@ public:
 
     // Which opening of the connection is current; 0 before the first.
     [[nodiscard]] std::uint64_t generation() const { return generation_; }
-    // Messages sent and waited for on either bus since construction.
+    // Waits for replies on either bus since construction (a batch of
+    // requests sent together is one), and the messages sent.
     [[nodiscard]] std::uint64_t roundTrips() const { return roundTrips_; }
+    [[nodiscard]] std::uint64_t messages() const { return messages_; }
     [[nodiscard]] std::chrono::milliseconds timeout() const { return timeout_; }
 
 private:
@@ -72,6 +95,7 @@ private:
     bool open_ = false;
     std::uint64_t generation_ = 0;
     std::uint64_t roundTrips_ = 0;
+    std::uint64_t messages_ = 0;
 };
 
 } // namespace hg

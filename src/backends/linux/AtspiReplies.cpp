@@ -58,6 +58,21 @@ std::optional<QList<std::uint32_t>> readStateWords(const QVariant& argument) {
     return words;
 }
 
+std::optional<bool> readHasArea(const QVariant& argument) {
+    const auto arg = asArgument(argument);
+    if (!arg || arg->currentSignature() != QLatin1String("(iiii)")) {
+        return std::nullopt;
+    }
+    int x = 0;
+    int y = 0;
+    int width = 0;
+    int height = 0;
+    arg->beginStructure();
+    *arg >> x >> y >> width >> height;
+    arg->endStructure();
+    return width > 0 && height > 0;
+}
+
 std::optional<int> readActionCount(const QVariant& argument) {
     const auto arg = asArgument(argument);
     if (!arg || arg->currentSignature() != QLatin1String("a(sss)")) {
@@ -81,6 +96,10 @@ std::optional<int> readActionCount(const QVariant& argument) {
 bool hasState(const QList<std::uint32_t>& words, unsigned bit) {
     const auto word = static_cast<qsizetype>(bit / 32);
     return word < words.size() && (words[word] & (1U << (bit % 32))) != 0;
+}
+
+bool isOutOfSight(const QList<std::uint32_t>& words, std::optional<bool> hasArea) {
+    return !hasState(words, atspiState::visible) && hasArea == false;
 }
 
 } // namespace hg

@@ -22,10 +22,27 @@ struct AtspiObjectRef {
 [[nodiscard]] std::optional<QList<AtspiObjectRef>> readObjectRefs(const QVariant& argument);
 // GetState (au): the state bits, low word first.
 [[nodiscard]] std::optional<QList<std::uint32_t>> readStateWords(const QVariant& argument);
+// Component.GetExtents ((iiii)): whether the element has an area (a width
+// and a height above zero).
+[[nodiscard]] std::optional<bool> readHasArea(const QVariant& argument);
 // GetActions (a(sss)): how many actions the element offers.
 [[nodiscard]] std::optional<int> readActionCount(const QVariant& argument);
 
+// AtspiStateType bits the backend reads.
+namespace atspiState {
+inline constexpr unsigned enabled = 8;
+inline constexpr unsigned sensitive = 24;
+// Meant to be seen. Qt clears it for every item of a menu that is not open,
+// GTK only for hidden items.
+inline constexpr unsigned visible = 30;
+} // namespace atspiState
+
 // Whether state bit `bit` (an AtspiStateType) is set in the GetState words.
 [[nodiscard]] bool hasState(const QList<std::uint32_t>& words, unsigned bit);
+
+// Whether an element is kept out of sight: not visible and known to have no
+// area. Qt keeps the menu items it hides in the tree that way (with no other
+// state either); the items of a closed menu are not visible but have an area.
+[[nodiscard]] bool isOutOfSight(const QList<std::uint32_t>& words, std::optional<bool> hasArea);
 
 } // namespace hg

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "backends/linux/AtspiBus.hpp"
+#include "backends/linux/AtspiReplies.hpp"
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace hg {
+
+// What one walk through an application's tree has learnt so far, so that a
+// walk asks each object once and asks a whole level of the tree in one round
+// trip: the role, name, states, area and children of every object it learns,
+// in one batch of requests sent together.
+//
+// A walk is what happens between two calls of forget() (the backend forgets
+// at the start of every application lookup and after every action); what it
+// learnt is also forgotten when nothing was asked for a moment, so that a
+// caller that never starts a new walk still sees the application change.
+//
+// An application that lets a request time out is taken as stopped for the
+// rest of the walk: its further requests fail at once with the same code, so
+// a stopped application costs one time-out per walk, not one per request.
+class AtspiTree {
+public:
+    explicit AtspiTree(AtspiBus& bus);
+
+    // Starts a new walk.
+    void forget();
+
+    // The children as the accessibility port presents them: menu items that
+    // are hidden (neither visible nor of any size) are left out, and the
+    // children of a menu bar are its top-level menus whatever their role.
+    AXError children(const AtspiObjectRef& object, std::vector<AtspiObjectRef>& out);
+    AXError role(const AtspiObjectRef& object, std::uint32_t& out);
+    // The name without the padding some toolkits put around it.
+    AXError name(const AtspiObjectRef& object, QString& out);
+    // The first menu bar of an application, searched breadth-first through
+    // its windows to a bounded depth: the shallowest wins, then the first in
+    // the windows' order.
+    AXError menuBar(const AtspiObjectRef& application, AtspiObjectRef& out);
+
+private:
+    using Key = std::pair<QString, QString>; // service, path
+
+    struct Facts {
+        AXError roleError = ax::success;
+        std::uint32_t role = 0;
+        AXError nameError = ax::success;
+        QString name;
+        AXError childrenError = ax::success;
+        std::vector<AtspiObjectRef> children;
+        std::optional<QList<std::uint32_t>> states;
+        std::optional<bool> hasArea;
+    };
+
+    // Learns every object of `objects` not learnt yet, in one round trip.
+    void learn(const std::vector<AtspiObjectRef>& objects);
+    Facts& facts(const AtspiObjectRef& object);
+    void store(const AtspiObjectRef& object, const std::vector<AtspiReply>& replies,
+               std::size_t first);
+    [[nodiscard]] bool hidden(const Facts& facts) const;
+    void forgetWhenIdle();
+
+    AtspiBus& bus_;
+    std::map<Key, Facts> known_;
+    // Applications that let a request time out during this walk.
+    std::set<QString> stopped_;
+    std::chrono::steady_clock::time_point lastUse_{};
+    // Objects listed under a menu bar: its top-level menus. Kept across
+    // walks, so that such a menu found again later is still one.
+    std::set<Key> topLevel_;
+    std::uint64_t topLevelGeneration_ = 0;
+};
+
+} // namespace hg
