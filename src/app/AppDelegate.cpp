@@ -3,6 +3,7 @@
 #include "app/LaunchAtLogin.hpp"
 #include "app/RemoteControl.hpp"
 #include "app/WindowTable.hpp"
+#include "apps/MicrophoneMeetingApp.hpp"
 #include "apps/TupleMeetingApp.hpp"
 #include "apps/ZoomMeetingApp.hpp"
 #include "core/UserData.hpp"
@@ -75,6 +76,11 @@ void AppDelegate::startUp() {
         *userData_, meetingApps_, [this](bool hasAX) { axChanged(hasAX); },
         [this](MeetingApp& app) { showSetupWindow(app); }, platform_.accessibility,
         platform_.defaults, platform_.timers, platform_.out);
+    // Any other call app, through the system's default input: last, and only
+    // while the user has asked for it.
+    watcher_->addOptionalApp(
+        std::string(UserPrefs::microphoneKey),
+        std::make_shared<MicrophoneMeetingApp>(platform_.microphone, platform_.out));
     watcher_->start();
 }
 

@@ -16,13 +16,20 @@ UserDefaults& withDefaultsStored(UserDefaults& defaults) {
     return defaults;
 }
 
+bool storedOr(const UserDefaults& defaults, std::string_view key, bool absent) {
+    return defaults.hasObject(key) ? defaults.boolForKey(key) : absent;
+}
+
 } // namespace
 
 UserPrefs::UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdatesCallback)
     : defaults_(withDefaultsStored(defaults)),
       checkForUpdatesCallback_(std::move(checkForUpdatesCallback)),
       muteOnJoinZoom_(objectWillChange_, defaults_.boolForKey(zoomKey)),
-      muteOnJoinTuple_(objectWillChange_, defaults_.boolForKey(tupleKey)) {}
+      muteOnJoinTuple_(objectWillChange_, defaults_.boolForKey(tupleKey)),
+      muteMicrophoneInOtherApps_(objectWillChange_, storedOr(defaults_, microphoneKey, false)),
+      muteOnJoinMicrophone_(objectWillChange_, storedOr(defaults_, microphoneMuteOnJoinKey, true)) {
+}
 
 void UserPrefs::setMuteOnJoinZoom(bool value) {
     muteOnJoinZoom_ = value;
@@ -32,6 +39,16 @@ void UserPrefs::setMuteOnJoinZoom(bool value) {
 void UserPrefs::setMuteOnJoinTuple(bool value) {
     muteOnJoinTuple_ = value;
     defaults_.setBool(tupleKey, value);
+}
+
+void UserPrefs::setMuteMicrophoneInOtherApps(bool value) {
+    muteMicrophoneInOtherApps_ = value;
+    defaults_.setBool(microphoneKey, value);
+}
+
+void UserPrefs::setMuteOnJoinMicrophone(bool value) {
+    muteOnJoinMicrophone_ = value;
+    defaults_.setBool(microphoneMuteOnJoinKey, value);
 }
 
 } // namespace hg

@@ -8,15 +8,21 @@
 
 namespace hg {
 
-// The mute-on-join switches behind the preferences window, mirrored into the
-// user defaults at once so the watcher, which reads the keys directly, sees
-// every change. Main thread only.
+// The switches behind the preferences window, mirrored into the user
+// defaults at once so the watcher, which reads the keys directly, sees every
+// change. Main thread only.
 class UserPrefs {
 public:
     static constexpr std::string_view zoomKey = "muteOnJoin_Zoom";
     static constexpr std::string_view tupleKey = "muteOnJoin_Tuple";
+    // The system microphone as a call source of its own: off while absent.
+    static constexpr std::string_view microphoneKey = "muteMicrophoneInOtherApps";
+    // Mute on join for that source: on while absent, and never written before
+    // the user sets it, so that nothing is stored for a source never used.
+    static constexpr std::string_view microphoneMuteOnJoinKey = "muteOnJoin_Microphone";
 
-    // Writes true for each key the store lacks, then reads both. `defaults`
+    // Writes true for each of the Zoom and Tuple keys the store lacks, then
+    // reads every key. `defaults`
     // must outlive this object.
     UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdatesCallback);
     UserPrefs(const UserPrefs&) = delete;
@@ -29,6 +35,10 @@ public:
     void setMuteOnJoinZoom(bool value);
     [[nodiscard]] bool muteOnJoinTuple() const { return muteOnJoinTuple_; }
     void setMuteOnJoinTuple(bool value);
+    [[nodiscard]] bool muteMicrophoneInOtherApps() const { return muteMicrophoneInOtherApps_; }
+    void setMuteMicrophoneInOtherApps(bool value);
+    [[nodiscard]] bool muteOnJoinMicrophone() const { return muteOnJoinMicrophone_; }
+    void setMuteOnJoinMicrophone(bool value);
 
     // Asks the updater to check now; may be empty.
     [[nodiscard]] const std::function<void()>& checkForUpdatesCallback() const {
@@ -41,6 +51,8 @@ private:
     ObjectWillChange objectWillChange_;
     Published<bool> muteOnJoinZoom_;
     Published<bool> muteOnJoinTuple_;
+    Published<bool> muteMicrophoneInOtherApps_;
+    Published<bool> muteOnJoinMicrophone_;
 };
 
 } // namespace hg

@@ -2,6 +2,8 @@
 
 #include "apps/ZoomMeetingApp.hpp"
 
+#include <algorithm>
+
 namespace hg {
 
 namespace {
@@ -37,6 +39,20 @@ void Watcher::start() {
     });
 }
 
+void Watcher::addOptionalApp(std::string switchKey, std::shared_ptr<MeetingApp> app) {
+    optionalApps_.push_back(OptionalApp{std::move(switchKey), std::move(app)});
+}
+
+std::vector<std::shared_ptr<MeetingApp>> Watcher::polledApps() const {
+    auto apps = meetingApps_;
+    for (const auto& optional : optionalApps_) {
+        if (defaults_.hasObject(optional.switchKey) && defaults_.boolForKey(optional.switchKey)) {
+            apps.push_back(optional.app);
+        }
+    }
+    return apps;
+}
+
 bool Watcher::shouldMuteOnJoin(std::string_view appName) const {
     const std::string key = "muteOnJoin_" + std::string(appName);
     if (!defaults_.hasObject(key)) {
@@ -66,11 +82,13 @@ void Watcher::poll() {
     }
 
     // The application already in a meeting keeps priority over those before
-    // it in the list; only when it has left is the list asked, in order.
+    // it in the list; only when it has left is the list asked, in order. One
+    // whose switch went off is not asked at all.
+    const auto apps = polledApps();
     const std::shared_ptr<MeetingApp> previous = userData_.activeApp();
     MeetingStatus status = MeetingStatus::noMeeting;
     std::shared_ptr<MeetingApp> active;
-    if (previous != nullptr) {
+    if (previous != nullptr && std::find(apps.begin(), apps.end(), previous) != apps.end()) {
         const MeetingStatus answer = previous->fetchStatus();
         if (isInMeeting(answer)) {
             status = answer;
@@ -78,7 +96,7 @@ void Watcher::poll() {
         }
     }
     if (active == nullptr) {
-        for (const auto& app : meetingApps_) {
+        for (const auto& app : apps) {
             const MeetingStatus answer = app->fetchStatus();
             if (answer == MeetingStatus::setupError) {
                 status = answer;
@@ -126,12 +144,12 @@ void Watcher::poll() {
         setAXAccess(false);
     }
 
-    reportSetupNeeds();
+    reportSetupNeeds(apps);
 }
 
-void Watcher::reportSetupNeeds() {
+void Watcher::reportSetupNeeds(const std::vector<std::shared_ptr<MeetingApp>>& apps) {
     std::set<std::string> needing;
-    for (const auto& app : meetingApps_) {
+    for (const auto& app : apps) {
         if (!app->needsSetup()) {
             continue;
         }

@@ -37,6 +37,12 @@ public:
     Watcher(const Watcher&) = delete;
     Watcher& operator=(const Watcher&) = delete;
 
+    // An application asked after all others, and only while the boolean
+    // under `switchKey` is true in the user defaults (absent: false). While
+    // the switch is off it is not polled at all, and it stops being the
+    // active application at the next tick.
+    void addOptionalApp(std::string switchKey, std::shared_ptr<MeetingApp> app);
+
     // Polls every second from now on; the first poll is one second away.
     void start();
 
@@ -52,11 +58,19 @@ public:
     }
 
 private:
+    struct OptionalApp {
+        std::string switchKey;
+        std::shared_ptr<MeetingApp> app;
+    };
+
+    // The applications to ask this tick, in order.
+    [[nodiscard]] std::vector<std::shared_ptr<MeetingApp>> polledApps() const;
     void setAXAccess(bool hasAXAccess);
-    void reportSetupNeeds();
+    void reportSetupNeeds(const std::vector<std::shared_ptr<MeetingApp>>& apps);
 
     UserData& userData_;
     std::vector<std::shared_ptr<MeetingApp>> meetingApps_;
+    std::vector<OptionalApp> optionalApps_;
     std::function<void(bool)> axChangedCallback_;
     std::function<void(MeetingApp&)> setupCallback_;
     std::set<std::string> reportedSetupApps_;

@@ -9,6 +9,7 @@
 #include "ports/LineSink.hpp"
 #include "ports/LocalKeyMonitor.hpp"
 #include "ports/LoginItems.hpp"
+#include "ports/Microphone.hpp"
 #include "ports/ProcessRunner.hpp"
 #include "ports/RunningApplications.hpp"
 #include "ports/StatusItem.hpp"
@@ -41,6 +42,7 @@ struct Platform {
     LoginItems& loginItems;
     UnifiedLog& unifiedLog;
     Updater& updater;
+    Microphone& microphone;
 };
 
 } // namespace hg

@@ -14,6 +14,7 @@
 #include "backends/fake/FakeKeyboardLayout.hpp"
 #include "backends/fake/FakeLocalKeyMonitor.hpp"
 #include "backends/fake/FakeLoginItems.hpp"
+#include "backends/fake/FakeMicrophone.hpp"
 #include "backends/fake/FakeProcessRunner.hpp"
 #include "backends/fake/FakeRunningApplications.hpp"
 #include "backends/fake/FakeStatusItem.hpp"
@@ -66,9 +67,10 @@ protected:
     FakeLoginItems loginItems;
     FakeUnifiedLog unifiedLog;
     FakeUpdater updater;
+    FakeMicrophone microphone;
     Platform platform{clock,       timers,        out,        defaults,   statusItem, windows,
                       application, accessibility, running,    files,      processes,  eventTap,
-                      layout,      localKeys,     loginItems, unifiedLog, updater};
+                      layout,      localKeys,     loginItems, unifiedLog, updater,    microphone};
     AppDelegate app{platform};
 };
 

@@ -11,6 +11,7 @@
 #include "backends/fake/FakeFileSystem.hpp"
 #include "backends/fake/FakeKeyboardLayout.hpp"
 #include "backends/fake/FakeLoginItems.hpp"
+#include "backends/fake/FakeMicrophone.hpp"
 #include "backends/fake/FakeProcessRunner.hpp"
 #include "backends/fake/FakeRunningApplications.hpp"
 #include "backends/fake/FakeTimers.hpp"
@@ -54,9 +55,10 @@ struct Desktop {
     FakeLoginItems loginItems;
     FakeUnifiedLog log;
     FakeUpdater updater;
+    FakeMicrophone microphone;
     Platform platform{clock,       timers,        out,        defaults, statusItem, windows,
                       application, accessibility, running,    files,    runner,     tap,
-                      layout,      monitor,       loginItems, log,      updater};
+                      layout,      monitor,       loginItems, log,      updater,    microphone};
     AppDelegate delegate{platform};
     // The windows' views refer to the delegate's objects: they go first.
     ~Desktop() { windows.destroyAll(); }

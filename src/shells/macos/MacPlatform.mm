@@ -14,6 +14,7 @@
 #include "backends/posix/PosixProcessRunner.hpp"
 #include "backends/posix/StdoutLineSink.hpp"
 #include "backends/posix/SystemClock.hpp"
+#include "backends/posix/UnavailableMicrophone.hpp"
 #include "shells/macos/MacStatusItem.hpp"
 #include "shells/macos/MacWindows.hpp"
 #include "shells/macos/SparkleUpdater.hpp"
@@ -40,15 +41,16 @@ struct MacPlatform::Backends {
     MacLoginItems loginItems;
     MacUnifiedLog unifiedLog;
     SparkleUpdater updater;
+    UnavailableMicrophone microphone;
 };
 
 MacPlatform::MacPlatform(void* updaterDelegate)
     : backends_(std::make_unique<Backends>(updaterDelegate)) {
     Backends& b = *backends_;
-    platform_ = std::make_unique<Platform>(
-        Platform{b.clock, b.timers, b.out, b.defaults, b.statusItem, b.windows, b.application,
-                 b.accessibility, b.runningApplications, b.fileSystem, b.processRunner, b.eventTap,
-                 b.keyboardLayout, b.localKeyMonitor, b.loginItems, b.unifiedLog, b.updater});
+    platform_ = std::make_unique<Platform>(Platform{
+        b.clock, b.timers, b.out, b.defaults, b.statusItem, b.windows, b.application,
+        b.accessibility, b.runningApplications, b.fileSystem, b.processRunner, b.eventTap,
+        b.keyboardLayout, b.localKeyMonitor, b.loginItems, b.unifiedLog, b.updater, b.microphone});
 }
 
 MacPlatform::~MacPlatform() = default;

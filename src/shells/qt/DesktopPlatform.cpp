@@ -11,6 +11,7 @@
 #include "backends/posix/PosixProcessRunner.hpp"
 #include "backends/posix/StdoutLineSink.hpp"
 #include "backends/posix/SystemClock.hpp"
+#include "backends/posix/UnavailableMicrophone.hpp"
 #include "shells/qt/AppcastUpdater.hpp"
 #include "shells/qt/BriefRunningApplicationsCache.hpp"
 #include "shells/qt/DesktopNotifications.hpp"
@@ -97,14 +98,15 @@ struct DesktopPlatform::Backends {
     AppcastUpdater updater{
         AppcastUpdater::Options{.feedUrl = HG_UPDATE_FEED_URL, .currentVersion = HG_VERSION},
         updateAnswers, out};
+    UnavailableMicrophone microphone;
 };
 
 DesktopPlatform::DesktopPlatform() : backends_(std::make_unique<Backends>()) {
     Backends& b = *backends_;
-    platform_ = std::make_unique<Platform>(
-        Platform{b.clock, b.timers, b.out, b.defaults, b.statusItem, b.windows, b.application,
-                 b.accessibility, b.recentApplications, b.fileSystem, b.processRunner, *b.eventTap,
-                 b.keyboardLayout, b.localKeyMonitor, b.loginItems, b.unifiedLog, b.updater});
+    platform_ = std::make_unique<Platform>(Platform{
+        b.clock, b.timers, b.out, b.defaults, b.statusItem, b.windows, b.application,
+        b.accessibility, b.recentApplications, b.fileSystem, b.processRunner, *b.eventTap,
+        b.keyboardLayout, b.localKeyMonitor, b.loginItems, b.unifiedLog, b.updater, b.microphone});
 }
 
 DesktopPlatform::~DesktopPlatform() = default;

@@ -1,4 +1,5 @@
-// The commands that drive the simulated meeting applications.
+// The commands that drive the simulated meeting applications and the default
+// audio input.
 #include "shells/sim/SimInterpreter.hpp"
 
 #include <limits>
@@ -117,6 +118,18 @@ void SimInterpreter::tuple(const ScriptLine& line) {
     } else {
         throw ScriptError("'tuple': unknown action '" + verb + "'");
     }
+}
+
+void SimInterpreter::mic(const ScriptLine& line) {
+    requireWords(line, 3);
+    static const std::map<std::string, bool FakeMicrophone::*, std::less<>> settings = {
+        {"record", &FakeMicrophone::recording},
+        {"mute", &FakeMicrophone::muted},
+        {"fail", &FakeMicrophone::failing},
+    };
+    static const std::map<std::string, bool, std::less<>> values = {{"on", true}, {"off", false}};
+    const auto setting = choose(settings, line.word(1), "mic");
+    desktop_.microphone.*setting = choose(values, line.word(2), "mic " + line.word(1));
 }
 
 } // namespace hg::sim

@@ -35,6 +35,9 @@ SimDesktop::SimDesktop(SimOutput& output) : out(output) {
     };
     unifiedLog.onLine = [this](const std::string& text) { out.observe("log " + text); };
     updater.onCheck = [this] { out.observe("update check"); };
+    microphone.onSetMuted = [this](bool muted) {
+        out.observe(muted ? "mic mute on" : "mic mute off");
+    };
 }
 
 SimDesktop::~SimDesktop() {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "app/AppDelegate.hpp"
-#include "ports/Platform.hpp"
 #include "backends/fake/FakeAccessibility.hpp"
 #include "backends/fake/FakeApplication.hpp"
 #include "backends/fake/FakeClock.hpp"
@@ -10,6 +9,7 @@
 #include "backends/fake/FakeKeyboardLayout.hpp"
 #include "backends/fake/FakeLocalKeyMonitor.hpp"
 #include "backends/fake/FakeLoginItems.hpp"
+#include "backends/fake/FakeMicrophone.hpp"
 #include "backends/fake/FakeProcessRunner.hpp"
 #include "backends/fake/FakeRunningApplications.hpp"
 #include "backends/fake/FakeStatusItem.hpp"
@@ -17,6 +17,7 @@
 #include "backends/fake/FakeUpdater.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
 #include "backends/fake/FakeWindows.hpp"
+#include "ports/Platform.hpp"
 #include "shells/sim/SimOutput.hpp"
 #include "shells/sim/SimStatusItem.hpp"
 #include "shells/sim/SimTuple.hpp"
@@ -29,9 +30,9 @@
 namespace hg::sim {
 
 // The simulated machine: every port backed by a fake, the two meeting
-// applications, and the application itself once launched, composed exactly
-// as the desktop program composes it. Traces what the application does to
-// the machine.
+// applications and the default audio input, and the application itself once
+// launched, composed exactly as the desktop program composes it. Traces what
+// the application does to the machine.
 class SimDesktop {
 public:
     explicit SimDesktop(SimOutput& out);
@@ -81,12 +82,13 @@ public:
     FakeLoginItems loginItems;
     FakeUnifiedLog unifiedLog;
     FakeUpdater updater;
+    FakeMicrophone microphone;
     Platform platform{clock,          timers,          out,
                       defaults,       statusItem,      windows,
                       application,    accessibility,   runningApplications,
                       fileSystem,     processRunner,   eventTap,
                       keyboardLayout, localKeyMonitor, loginItems,
-                      unifiedLog,     updater};
+                      unifiedLog,     updater,         microphone};
     SimZoom zoom{accessibility, runningApplications, out};
     SimTuple tuple{std::string(AppDelegate::tupleCLIPath), runningApplications, fileSystem,
                    processRunner, out};

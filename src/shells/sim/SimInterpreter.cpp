@@ -81,6 +81,7 @@ void SimInterpreter::dispatch(const ScriptLine& line) {
         {"key", &SimInterpreter::key},           {"flags", &SimInterpreter::flags},
         {"tap", &SimInterpreter::tap},           {"menu", &SimInterpreter::menu},
         {"window", &SimInterpreter::window},     {"recorder", &SimInterpreter::recorder},
+        {"mic", &SimInterpreter::mic},
     };
     const auto it = commands.find(line.word(0));
     if (it == commands.end()) {
@@ -218,10 +219,20 @@ void SimInterpreter::login(const ScriptLine& line) {
 
 void SimInterpreter::show(const ScriptLine& line) {
     requireWords(line, 2);
+    if (line.word(1) == "mic") {
+        const FakeMicrophone& mic = desktop_.microphone;
+        out_.report(std::string("mic record ") + (mic.recording ? "on" : "off") + " mute " +
+                    (mic.muted ? "on" : "off"));
+        return;
+    }
     if (line.word(1) != "store") {
-        throw ScriptError("'show': expected store, not '" + line.word(1) + "'");
+        throw ScriptError("'show': expected store or mic, not '" + line.word(1) + "'");
     }
     requireApp(line);
+    showStore();
+}
+
+void SimInterpreter::showStore() {
     const UserData& store = *desktop_.app()->userData();
     const auto& active = store.activeApp();
     out_.report("store truest " + std::string(toString(store.truestStatus())) + " read " +

@@ -49,9 +49,11 @@ private:
     void update(const ScriptLine& line);
     void login(const ScriptLine& line);
     void show(const ScriptLine& line);
+    void showStore();
     // SimAppCommands.cpp
     void zoom(const ScriptLine& line);
     void tuple(const ScriptLine& line);
+    void mic(const ScriptLine& line);
     // SimUserCommands.cpp
     void key(const ScriptLine& line);
     void flags(const ScriptLine& line);

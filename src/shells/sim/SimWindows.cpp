@@ -40,6 +40,20 @@ std::function<void()> buttonAction(const WindowContent& content, std::string_vie
     return {};
 }
 
+// The switches of the preferences window that UserPrefs holds, by label.
+struct PrefsSwitch {
+    std::string_view label;
+    bool (UserPrefs::*get)() const;
+    void (UserPrefs::*set)(bool);
+};
+constexpr PrefsSwitch prefsSwitches[] = {
+    {"Zoom", &UserPrefs::muteOnJoinZoom, &UserPrefs::setMuteOnJoinZoom},
+    {"Tuple", &UserPrefs::muteOnJoinTuple, &UserPrefs::setMuteOnJoinTuple},
+    {"Microphone", &UserPrefs::muteOnJoinMicrophone, &UserPrefs::setMuteOnJoinMicrophone},
+    {"Also mute the microphone in other call apps", &UserPrefs::muteMicrophoneInOtherApps,
+     &UserPrefs::setMuteMicrophoneInOtherApps},
+};
+
 } // namespace
 
 std::string SimWindows::titleOf(const FakeWindows::Window& window) {
@@ -82,17 +96,13 @@ bool SimWindows::toggle(std::string_view title, std::string_view label, bool on)
     if (prefs->prefs == nullptr) {
         return false;
     }
-    if (label == "Zoom") {
-        if (prefs->prefs->muteOnJoinZoom() != on) {
-            prefs->prefs->setMuteOnJoinZoom(on);
+    for (const auto& [name, get, set] : prefsSwitches) {
+        if (label == name) {
+            if ((prefs->prefs->*get)() != on) {
+                (prefs->prefs->*set)(on);
+            }
+            return true;
         }
-        return true;
-    }
-    if (label == "Tuple") {
-        if (prefs->prefs->muteOnJoinTuple() != on) {
-            prefs->prefs->setMuteOnJoinTuple(on);
-        }
-        return true;
     }
     return false;
 }
