@@ -4,6 +4,7 @@
 #include "backends/linux/KeyCodeTable.hpp"
 #include "backends/linux/PortalEventTap.hpp"
 #include "backends/linux/ProcRunningApplications.hpp"
+#include "backends/linux/PulseMicrophone.hpp"
 #include "backends/linux/X11EventTap.hpp"
 #include "backends/linux/XdgLoginItems.hpp"
 #include "backends/linux/XkbKeyboardLayout.hpp"
@@ -68,6 +69,17 @@ void tellThatTheIconIsHidden() {
                        "hushgremlin status, toggle, press, release, preferences."));
 }
 
+// The default input through the PulseAudio protocol, which PipeWire serves
+// as well; a build without libpulse has none.
+std::unique_ptr<Microphone> makeMicrophone(LineSink& out) {
+#ifdef HG_WITH_LIBPULSE
+    return std::make_unique<PulseMicrophone>(out);
+#else
+    (void)out;
+    return std::make_unique<UnavailableMicrophone>();
+#endif
+}
+
 } // namespace
 
 struct DesktopPlatform::Backends {
@@ -98,7 +110,7 @@ struct DesktopPlatform::Backends {
     AppcastUpdater updater{
         AppcastUpdater::Options{.feedUrl = HG_UPDATE_FEED_URL, .currentVersion = HG_VERSION},
         updateAnswers, out};
-    UnavailableMicrophone microphone;
+    std::unique_ptr<Microphone> microphone = makeMicrophone(out);
 };
 
 DesktopPlatform::DesktopPlatform() : backends_(std::make_unique<Backends>()) {
@@ -106,7 +118,7 @@ DesktopPlatform::DesktopPlatform() : backends_(std::make_unique<Backends>()) {
     platform_ = std::make_unique<Platform>(Platform{
         b.clock, b.timers, b.out, b.defaults, b.statusItem, b.windows, b.application,
         b.accessibility, b.recentApplications, b.fileSystem, b.processRunner, *b.eventTap,
-        b.keyboardLayout, b.localKeyMonitor, b.loginItems, b.unifiedLog, b.updater, b.microphone});
+        b.keyboardLayout, b.localKeyMonitor, b.loginItems, b.unifiedLog, b.updater, *b.microphone});
 }
 
 DesktopPlatform::~DesktopPlatform() = default;
