@@ -52,8 +52,11 @@ std::string SoakScript::nextCommand() {
     if (kind < 20) {
         return zoomCommand();
     }
-    if (kind < 35) {
+    if (kind < 30) {
         return tupleCommand();
+    }
+    if (kind < 35) {
+        return micCommand();
     }
     if (kind < 70) {
         return keyCommand();
@@ -108,6 +111,15 @@ std::string SoakScript::tupleCommand() {
                                   R"(tuple state {"in_call": true, "call": {}})"});
     }
     return "tuple call " + pick<std::string>({"off", "muted", "unmuted"});
+}
+
+std::string SoakScript::micCommand() {
+    if (roll(4) == 0) {
+        return "defaults set muteMicrophoneInOtherApps bool " +
+               pick<std::string>({"true", "true", "false"});
+    }
+    return "mic " + pick<std::string>({"record", "record", "mute", "mute", "fail"}) + " " +
+           pick<std::string>({"on", "off", "off"});
 }
 
 std::string SoakScript::keyCommand() {

@@ -33,6 +33,7 @@ private:
 
     std::string zoomCommand();
     std::string tupleCommand();
+    std::string micCommand();
     std::string keyCommand();
     std::string menuCommand();
     std::string windowCommand();
