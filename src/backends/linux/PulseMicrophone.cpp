@@ -182,7 +182,7 @@ bool PulseMicrophone::setMuted(bool muted) {
         return false;
     }
     bool done = false;
-    std::string why = "refused";
+    std::string why;
     const std::string name = impl.source->name;
     if (!impl.connection->await(pa_context_set_source_mute_by_name(
                                     impl.connection->context(), name.c_str(), muted ? 1 : 0,
@@ -190,9 +190,13 @@ bool PulseMicrophone::setMuted(bool muted) {
                                         *static_cast<bool*>(data) = success != 0;
                                     },
                                     &done),
-                                Clock::now() + impl.options.commandTimeout, why) ||
-        !done) {
-        impl.out.line("Microphone: could not set the mute of " + name + " (" + why + ")");
+                                Clock::now() + impl.options.commandTimeout, why)) {
+        // What the server did meanwhile is unknown: read it afresh later.
+        impl.lost(why);
+        return false;
+    }
+    if (!done) {
+        impl.out.line("Microphone: the audio server refused to set the mute of " + name);
         return false;
     }
     impl.source->muted = muted;
