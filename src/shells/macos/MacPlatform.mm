@@ -1,5 +1,6 @@
 #include "shells/macos/MacPlatform.hpp"
 
+#include "backends/macos/CoreAudioMicrophone.hpp"
 #include "backends/macos/MacAccessibility.hpp"
 #include "backends/macos/MacApplication.hpp"
 #include "backends/macos/MacEventTap.hpp"
@@ -14,7 +15,6 @@
 #include "backends/posix/PosixProcessRunner.hpp"
 #include "backends/posix/StdoutLineSink.hpp"
 #include "backends/posix/SystemClock.hpp"
-#include "backends/posix/UnavailableMicrophone.hpp"
 #include "shells/macos/MacStatusItem.hpp"
 #include "shells/macos/MacWindows.hpp"
 #include "shells/macos/SparkleUpdater.hpp"
@@ -22,7 +22,7 @@
 namespace hg {
 
 struct MacPlatform::Backends {
-    explicit Backends(void* updaterDelegate) : updater(updaterDelegate, out) {}
+    explicit Backends(void* updaterDelegate) : updater(updaterDelegate, out), microphone(out) {}
 
     StdoutLineSink out;
     SystemClock clock;
@@ -41,7 +41,7 @@ struct MacPlatform::Backends {
     MacLoginItems loginItems;
     MacUnifiedLog unifiedLog;
     SparkleUpdater updater;
-    UnavailableMicrophone microphone;
+    CoreAudioMicrophone microphone;
 };
 
 MacPlatform::MacPlatform(void* updaterDelegate)
