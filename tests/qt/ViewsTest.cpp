@@ -90,6 +90,16 @@ private slots:
         QCOMPARE(f.defaults.objectForKey("muteOnJoin_Tuple"), std::optional<DefaultsValue>(true));
         QTest::mouseClick(&f.view.zoomToggle(), Qt::LeftButton);
         QCOMPARE(f.defaults.objectForKey("muteOnJoin_Zoom"), std::optional<DefaultsValue>(true));
+
+        // The microphone's switches: off and on while nothing is stored.
+        QVERIFY(!f.view.otherAppsToggle().isChecked());
+        QVERIFY(f.view.microphoneToggle().isChecked());
+        QTest::mouseClick(&f.view.otherAppsToggle(), Qt::LeftButton);
+        QTest::mouseClick(&f.view.microphoneToggle(), Qt::LeftButton);
+        QCOMPARE(f.defaults.objectForKey("muteMicrophoneInOtherApps"),
+                 std::optional<DefaultsValue>(true));
+        QCOMPARE(f.defaults.objectForKey("muteOnJoin_Microphone"),
+                 std::optional<DefaultsValue>(false));
     }
 
     void prefsRedrawWhenChangedElsewhere() {

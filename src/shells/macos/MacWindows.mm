@@ -92,6 +92,14 @@ WindowId MacWindows::create(WindowSpec description) {
         window.title = toNSString(*description.title);
     }
     window.contentView = (__bridge_transfer NSView*)mac::makeContentView(description.content);
+    // The content decides the least size it can be shown at; a smaller size
+    // in the WindowSpec would clip it.
+    const NSSize least = window.contentView.fittingSize;
+    const NSSize wanted = NSMakeSize(std::max<CGFloat>(description.contentWidth, least.width),
+                                     std::max<CGFloat>(description.contentHeight, least.height));
+    if (wanted.width > description.contentWidth || wanted.height > description.contentHeight) {
+        [window setContentSize:wanted];
+    }
 
     // Naming the frame may already restore it; the explicit restore says
     // whether there was one. A frame moved back onto a screen is saved so.

@@ -13,7 +13,7 @@
 namespace {
 
 // The window is small: tighter than the platform's spacing, so that every row
-// fits in 200 points.
+// but the microphone's two fits in 200 points; the window grows to show those.
 constexpr CGFloat rowSpacing = 6;
 constexpr CGFloat outerPadding = 8;
 constexpr CGFloat belowButtons = 5;
@@ -41,6 +41,8 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
     std::optional<hg::mac::RedrawScheduler> _redraw;
     NSButton* _zoom;
     NSButton* _tuple;
+    NSButton* _microphone;
+    NSButton* _otherApps;
 }
 
 - (instancetype)initWithPrefs:(hg::UserPrefs*)prefs
@@ -69,7 +71,14 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
         "Mute on join:", {.font = hg::mac::TextFont::headline});
     _zoom = [NSButton checkboxWithTitle:@"Zoom" target:self action:@selector(zoomToggled:)];
     _tuple = [NSButton checkboxWithTitle:@"Tuple" target:self action:@selector(tupleToggled:)];
-    NSStackView* muteOnJoin = [NSStackView stackViewWithViews:@[ heading, _zoom, _tuple ]];
+    _microphone = [NSButton checkboxWithTitle:@"Microphone"
+                                       target:self
+                                       action:@selector(microphoneToggled:)];
+    _otherApps = [NSButton checkboxWithTitle:@"Also mute the microphone in other call apps"
+                                      target:self
+                                      action:@selector(otherAppsToggled:)];
+    NSStackView* muteOnJoin =
+        [NSStackView stackViewWithViews:@[ heading, _zoom, _tuple, _microphone ]];
     muteOnJoin.orientation = NSUserInterfaceLayoutOrientationVertical;
     muteOnJoin.alignment = NSLayoutAttributeLeading;
     muteOnJoin.spacing = 2;
@@ -86,7 +95,7 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
     NSBox* upperDivider = (__bridge_transfer NSBox*)hg::mac::makeDivider();
     NSBox* lowerDivider = (__bridge_transfer NSBox*)hg::mac::makeDivider();
     NSStackView* column = [NSStackView stackViewWithViews:@[
-        shortcutRow, hint, login, upperDivider, muteOnJoin, lowerDivider, buttons
+        shortcutRow, hint, login, upperDivider, _otherApps, muteOnJoin, lowerDivider, buttons
     ]];
     column.orientation = NSUserInterfaceLayoutOrientationVertical;
     column.alignment = NSLayoutAttributeCenterX;
@@ -116,6 +125,10 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
 - (void)redraw {
     _zoom.state = _prefs->muteOnJoinZoom() ? NSControlStateValueOn : NSControlStateValueOff;
     _tuple.state = _prefs->muteOnJoinTuple() ? NSControlStateValueOn : NSControlStateValueOff;
+    _microphone.state =
+        _prefs->muteOnJoinMicrophone() ? NSControlStateValueOn : NSControlStateValueOff;
+    _otherApps.state =
+        _prefs->muteMicrophoneInOtherApps() ? NSControlStateValueOn : NSControlStateValueOff;
 }
 
 - (void)zoomToggled:(NSButton*)sender {
@@ -124,6 +137,14 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
 
 - (void)tupleToggled:(NSButton*)sender {
     _prefs->setMuteOnJoinTuple(sender.state == NSControlStateValueOn);
+}
+
+- (void)microphoneToggled:(NSButton*)sender {
+    _prefs->setMuteOnJoinMicrophone(sender.state == NSControlStateValueOn);
+}
+
+- (void)otherAppsToggled:(NSButton*)sender {
+    _prefs->setMuteMicrophoneInOtherApps(sender.state == NSControlStateValueOn);
 }
 
 - (void)checkForUpdates:(id)sender {

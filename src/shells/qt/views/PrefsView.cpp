@@ -19,7 +19,8 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
       redraw_(*this, [this] { redraw(); }) {
     auto* column = new QVBoxLayout(this);
     column->setAlignment(Qt::AlignHCenter);
-    // Tight enough that everything fits the window's 300 x 200.
+    // Tight enough that everything but the microphone's two switches fits the
+    // window's 300 x 200; the window grows to show those.
     column->setContentsMargins(10, 6, 10, 0);
     column->setSpacing(4);
 
@@ -41,6 +42,8 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
         new LaunchAtLoginToggle(launchAtLogin, QStringLiteral("Start Hush Gremlin on login"), this),
         0, Qt::AlignHCenter);
     column->addWidget(makeDivider(this));
+    otherApps_ = new QCheckBox(QStringLiteral("Also mute the microphone in other call apps"), this);
+    column->addWidget(otherApps_, 0, Qt::AlignHCenter);
 
     auto* muteOnJoin = new QVBoxLayout;
     muteOnJoin->setSpacing(2);
@@ -49,8 +52,10 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
     muteOnJoin->addWidget(heading);
     zoom_ = new QCheckBox(QStringLiteral("Zoom"), this);
     tuple_ = new QCheckBox(QStringLiteral("Tuple"), this);
+    microphone_ = new QCheckBox(QStringLiteral("Microphone"), this);
     muteOnJoin->addWidget(zoom_);
     muteOnJoin->addWidget(tuple_);
+    muteOnJoin->addWidget(microphone_);
     column->addLayout(muteOnJoin);
     column->addWidget(makeDivider(this));
 
@@ -67,6 +72,10 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
     // clicked, not toggled: a redraw must not write the value back.
     connect(zoom_, &QCheckBox::clicked, this, [this](bool on) { prefs_.setMuteOnJoinZoom(on); });
     connect(tuple_, &QCheckBox::clicked, this, [this](bool on) { prefs_.setMuteOnJoinTuple(on); });
+    connect(microphone_, &QCheckBox::clicked, this,
+            [this](bool on) { prefs_.setMuteOnJoinMicrophone(on); });
+    connect(otherApps_, &QCheckBox::clicked, this,
+            [this](bool on) { prefs_.setMuteMicrophoneInOtherApps(on); });
     connect(update, &QPushButton::clicked, this, [this] {
         if (const auto& callback = prefs_.checkForUpdatesCallback()) {
             callback();
@@ -85,6 +94,8 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
 void PrefsView::redraw() {
     zoom_->setChecked(prefs_.muteOnJoinZoom());
     tuple_->setChecked(prefs_.muteOnJoinTuple());
+    microphone_->setChecked(prefs_.muteOnJoinMicrophone());
+    otherApps_->setChecked(prefs_.muteMicrophoneInOtherApps());
 }
 
 } // namespace hg::views

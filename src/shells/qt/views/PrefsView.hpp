@@ -17,7 +17,8 @@ class UserPrefs;
 namespace views {
 
 // The preferences: the shortcut field, the launch-at-login switch, the
-// mute-on-join switches and the update and About buttons. Keeps nothing of
+// switch for the system microphone, the mute-on-join switches and the update
+// and About buttons. Keeps nothing of
 // its own: every switch writes its object at once and redraws when the
 // object announces a change. The objects must outlive the view.
 class PrefsView final : public QWidget {
@@ -29,6 +30,8 @@ public:
 
     [[nodiscard]] QCheckBox& zoomToggle() { return *zoom_; }
     [[nodiscard]] QCheckBox& tupleToggle() { return *tuple_; }
+    [[nodiscard]] QCheckBox& microphoneToggle() { return *microphone_; }
+    [[nodiscard]] QCheckBox& otherAppsToggle() { return *otherApps_; }
 
 private:
     void redraw();
@@ -37,6 +40,8 @@ private:
     std::function<void()> showAbout_;
     QCheckBox* zoom_ = nullptr;
     QCheckBox* tuple_ = nullptr;
+    QCheckBox* microphone_ = nullptr;
+    QCheckBox* otherApps_ = nullptr;
     RedrawScheduler redraw_;
 };
 
