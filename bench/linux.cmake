@@ -19,3 +19,12 @@ if(TARGET PkgConfig::HG_XTEST AND TARGET hg_linux_desktop_session)
          PkgConfig::HG_X11_KEYBOARD PkgConfig::HG_XTEST
   )
 endif()
+
+# The system microphone on a private PipeWire: a reading while nothing
+# changes, and one after a change.
+if(TARGET hg_linux_audio_session)
+  hg_add_bench(linux_microphone_bench
+    SOURCES ${CMAKE_CURRENT_LIST_DIR}/linux/PulseMicrophoneBench.cpp
+    LIBS hg_linux_audio_session hushgremlin_linux hushgremlin_fake
+  )
+endif()

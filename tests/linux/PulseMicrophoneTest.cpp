@@ -5,10 +5,9 @@
 
 #include "backends/linux/PulseMicrophone.hpp"
 
-#include "DesktopSession.hpp"
+#include "PipeWireSession.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 
-#include <QProcess>
 #include <QSettings>
 #include <csignal>
 #include <gmock/gmock.h>
@@ -22,79 +21,7 @@ using ::testing::Contains;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-constexpr const char* source = "hg_fake_mic";
-
-// Runs a command to its end; its standard output, trimmed, or none when it
-// failed.
-std::optional<std::string> run(const QString& program, const QStringList& arguments) {
-    QProcess process;
-    process.start(program, arguments);
-    if (!process.waitForFinished(15000) || process.exitStatus() != QProcess::NormalExit ||
-        process.exitCode() != 0) {
-        return std::nullopt;
-    }
-    return process.readAllStandardOutput().trimmed().toStdString();
-}
-
-std::optional<std::string> pactl(const QStringList& arguments) {
-    return run(QStringLiteral("pactl"), arguments);
-}
-
-// "yes" or "no", as pactl reads the virtual source's mute.
-std::string sourceMute() {
-    const auto answer = pactl({QStringLiteral("get-source-mute"), QString::fromLatin1(source)});
-    return answer ? answer->substr(answer->find(' ') + 1) : "unreadable";
-}
-
-void setSourceMute(bool muted) {
-    pactl({QStringLiteral("set-source-mute"), QString::fromLatin1(source),
-           muted ? QStringLiteral("1") : QStringLiteral("0")});
-}
-
-// The audio server of the private desktop, with the virtual source as its
-// default input. The three daemons end with it.
-class PipeWire {
-public:
-    static std::unique_ptr<PipeWire> start(std::string& whyNot) {
-        std::unique_ptr<PipeWire> server(new PipeWire());
-        const std::string logs = DesktopSession::shared()->scratchDir() + "/";
-        ::unsetenv("PULSE_SERVER");
-        for (const char* daemon : {"pipewire", "wireplumber", "pipewire-pulse"}) {
-            server->daemons_.push_back(std::make_unique<ChildProcess>(
-                std::vector<std::string>{daemon}, logs + daemon + ".log"));
-        }
-        if (!waitUntil([] { return pactl({QStringLiteral("info")}).has_value(); })) {
-            whyNot = "PipeWire's PulseAudio server did not answer (see " + logs + "*.log)";
-            return nullptr;
-        }
-        pactl({QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
-               QStringLiteral("media.class=Audio/Source/Virtual"),
-               QStringLiteral("sink_name=") + QString::fromLatin1(source),
-               QStringLiteral("channel_map=mono")});
-        const bool isDefault = waitUntil([] {
-            pactl({QStringLiteral("set-default-source"), QString::fromLatin1(source)});
-            return pactl({QStringLiteral("get-default-source")}) == std::string(source);
-        });
-        if (!isDefault) {
-            whyNot = "the virtual source did not become the default input";
-            return nullptr;
-        }
-        return server;
-    }
-
-    // A call app recording from the default input.
-    static std::unique_ptr<ChildProcess> record() {
-        return std::make_unique<ChildProcess>(
-            std::vector<std::string>{"parecord", "--device=" + std::string(source), "/dev/null"});
-    }
-
-    void signalPulseServer(int number) const { daemons_.back()->signal(number); }
-    void stop() { daemons_.clear(); }
-
-private:
-    PipeWire() = default;
-    std::vector<std::unique_ptr<ChildProcess>> daemons_;
-};
+using Audio = PipeWireSession;
 
 class RealMicrophone : public ::testing::Test {
 protected:
@@ -104,13 +31,13 @@ protected:
         }
         makeQtApplication();
         std::string whyNot;
-        server_ = PipeWire::start(whyNot);
+        server_ = Audio::start(whyNot);
         if (server_ == nullptr) {
             GTEST_SKIP() << whyNot;
         }
     }
 
-    std::unique_ptr<PipeWire> server_;
+    std::unique_ptr<Audio> server_;
 };
 
 TEST_F(RealMicrophone, TheBackendFollowsTheRecordingAndTheMuteAndSurvivesTheServer) {
@@ -119,11 +46,11 @@ TEST_F(RealMicrophone, TheBackendFollowsTheRecordingAndTheMuteAndSurvivesTheServ
     EXPECT_FALSE(mic.isInUse());
     EXPECT_EQ(mic.isMuted(), false);
 
-    auto call = PipeWire::record();
+    auto call = Audio::record();
     ASSERT_TRUE(waitUntil([&] { return mic.isInUse(); }));
     ASSERT_TRUE(mic.setMuted(true));
-    EXPECT_EQ(sourceMute(), "yes");
-    setSourceMute(false);
+    EXPECT_EQ(Audio::sourceMute(), "yes");
+    Audio::setSourceMute(false);
     EXPECT_TRUE(waitUntil([&] { return mic.isMuted() == false; })) << "a change made elsewhere";
 
     call.reset();
@@ -155,8 +82,8 @@ TEST_F(RealMicrophone, TheProgramMutesARecordingSourceOnlyWithTheSwitchOn) {
     const std::string log = DesktopSession::shared()->scratchDir() + "/hushgremlin.log";
     QSettings settings(QString::fromStdString(config + "/HushGremlin/HushGremlin.conf"),
                        QSettings::IniFormat);
-    setSourceMute(true);
-    auto call = PipeWire::record();
+    Audio::setSourceMute(true);
+    auto call = Audio::record();
 
     {
         // The switch is off: a recording is no call, and the shortcut leaves
@@ -166,7 +93,7 @@ TEST_F(RealMicrophone, TheProgramMutesARecordingSourceOnlyWithTheSwitchOn) {
         ASSERT_TRUE(program.waitForLine("GOT AX"));
         EXPECT_EQ(command("status"), "noMeeting");
         command("press");
-        EXPECT_EQ(sourceMute(), "yes");
+        EXPECT_EQ(Audio::sourceMute(), "yes");
         command("release");
         program.signal(SIGTERM);
         ASSERT_TRUE(program.waitForLine("Goodbye cruel world!"));
@@ -178,16 +105,16 @@ TEST_F(RealMicrophone, TheProgramMutesARecordingSourceOnlyWithTheSwitchOn) {
     ChildProcess program(start, log);
     ASSERT_TRUE(waitUntil([] { return command("status") == "onMute"; }));
     command("press");
-    EXPECT_TRUE(waitUntil([] { return sourceMute() == "no"; })) << "live while it is held";
+    EXPECT_TRUE(waitUntil([] { return Audio::sourceMute() == "no"; })) << "live while it is held";
     EXPECT_EQ(command("status"), "offMute");
     // Held longer than a tap.
     std::this_thread::sleep_for(300ms);
     command("release");
-    EXPECT_TRUE(waitUntil([] { return sourceMute() == "yes"; }));
+    EXPECT_TRUE(waitUntil([] { return Audio::sourceMute() == "yes"; }));
 
     call.reset();
     EXPECT_TRUE(waitUntil([] { return command("status") == "noMeeting"; }));
-    EXPECT_EQ(sourceMute(), "no") << "the mute set during the call is lifted";
+    EXPECT_EQ(Audio::sourceMute(), "no") << "the mute set during the call is lifted";
     program.signal(SIGTERM);
     ASSERT_TRUE(program.waitForLine("Goodbye cruel world!"));
     EXPECT_THAT(program.linesRead(), Contains("Microphone: connected to the audio server"));
