@@ -1,6 +1,7 @@
 #include "PipeWireSession.hpp"
 
 #include <QProcess>
+#include <QStandardPaths>
 #include <cstdlib>
 
 namespace hg::test {
@@ -20,6 +21,12 @@ std::optional<std::string> pactl(const QStringList& arguments) {
 }
 
 std::unique_ptr<PipeWireSession> PipeWireSession::start(std::string& whyNot) {
+    for (const char* program : {"pipewire", "wireplumber", "pipewire-pulse", "pactl", "parecord"}) {
+        if (QStandardPaths::findExecutable(QString::fromLatin1(program)).isEmpty()) {
+            whyNot = std::string(program) + " is not installed (scripts/install-deps installs it)";
+            return nullptr;
+        }
+    }
     std::unique_ptr<PipeWireSession> server(new PipeWireSession());
     const std::string logs = DesktopSession::shared()->scratchDir() + "/";
     ::unsetenv("PULSE_SERVER");
