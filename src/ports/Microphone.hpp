@@ -6,8 +6,8 @@ namespace hg {
 
 // The system's default audio input, the one call apps record from when the
 // user has not picked another. Asked once a second while the user wants it;
-// every call answers within a fraction of a second, also when the audio
-// server hangs. Main thread only.
+// a reading answers within a fraction of a second and setting the mute within
+// about a second, also when the audio server hangs. Main thread only.
 //
 // A backend that cannot reach an audio service (none on the platform, no
 // server running) is "not available": nothing records, the mute cannot be
