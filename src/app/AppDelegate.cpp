@@ -76,6 +76,20 @@ void AppDelegate::startUp() {
         [this](MeetingApp& app) { showSetupWindow(app); }, platform_.accessibility,
         platform_.defaults, platform_.timers, platform_.out);
     watcher_->start();
+    askForAShortcutOnce();
+}
+
+void AppDelegate::askForAShortcutOnce() {
+    UserDefaults& defaults = platform_.defaults;
+    if (platform_.eventTap.seesFunctionKey() || defaults.objectForKey(Hotkey::defaultsKey) ||
+        defaults.boolForKey(askedForShortcutKey)) {
+        return;
+    }
+    defaults.setObject(askedForShortcutKey, true);
+    showPrefsWindow(std::string(noFunctionKeyNotice));
+    if (!hotkeyRecorder_->isRecording()) {
+        hotkeyRecorder_->click();
+    }
 }
 
 void AppDelegate::applicationWillTerminate() {
@@ -207,7 +221,7 @@ void AppDelegate::showSetupWindow(MeetingApp& app) {
     bringForward(it->second);
 }
 
-void AppDelegate::showPrefsWindow() {
+void AppDelegate::showPrefsWindow(std::string notice) {
     if (!prefsWindow_) {
         Updater& updater = platform_.updater;
         userPrefs_ = std::make_unique<UserPrefs>(platform_.defaults,
@@ -222,7 +236,8 @@ void AppDelegate::showPrefsWindow() {
                                        if (const auto self = weakSelf.lock()) {
                                            (*self)->showAboutWindow();
                                        }
-                                   }};
+                                   },
+                                   std::move(notice)};
         prefsWindow_ =
             platform_.windows.create(windowtable::preferences.description(std::move(content)));
     }
