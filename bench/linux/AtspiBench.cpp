@@ -10,8 +10,10 @@
 
 #include <QCoreApplication>
 #include <benchmark/benchmark.h>
+#include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 
 namespace hg::test {
 namespace {
@@ -59,6 +61,15 @@ struct Desktop {
     }
 };
 
+std::size_t processCount() {
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+        const auto name = entry.path().filename().string();
+        count += !name.empty() && name.find_first_not_of("0123456789") == std::string::npos;
+    }
+    return count;
+}
+
 struct BusCount {
     std::uint64_t roundTrips;
     std::uint64_t messages;
@@ -90,6 +101,33 @@ void BM_FetchStatus(benchmark::State& state) {
     reportRoundTrips(state, before, busCount(*desktop.ax));
 }
 BENCHMARK(BM_FetchStatus)->Unit(benchmark::kMillisecond)->ArgName("toolkit")->DenseRange(0, 2);
+
+// The first reading of an application: nothing of it is known yet.
+void BM_FirstFetchStatus(benchmark::State& state) {
+    Desktop& desktop = Desktop::shared(state);
+    if (!desktop.fixture) {
+        state.SkipWithError(desktop.whyNot.c_str());
+        return;
+    }
+    BusCount spent{0, 0};
+    for (auto _ : state) {
+        state.PauseTiming();
+        AtspiAccessibility ax(AtspiAccessibility::Options{.alwaysOn = true});
+        ax.isProcessTrusted(false); // opens the connection
+        ZoomMeetingApp zoom(ax, *desktop.apps, desktop.out);
+        const BusCount before = busCount(ax);
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(zoom.fetchStatus());
+        spent.roundTrips += ax.roundTrips() - before.roundTrips;
+        spent.messages += ax.messages() - before.messages;
+    }
+    reportRoundTrips(state, {0, 0}, spent);
+}
+BENCHMARK(BM_FirstFetchStatus)
+    ->Unit(benchmark::kMillisecond)
+    ->ArgName("toolkit")
+    ->DenseRange(0, 2)
+    ->Iterations(50);
 
 void BM_CachedToggle(benchmark::State& state) {
     Desktop& desktop = Desktop::shared(state);
@@ -134,14 +172,26 @@ void BM_TrustTest(benchmark::State& state) {
 BENCHMARK(BM_TrustTest)->Unit(benchmark::kMicrosecond)->Arg(0);
 
 void BM_RunningApplications(benchmark::State& state) {
-    // Every process of the machine is looked at: this is the cost of one
-    // runningAppPID on a desktop with this many processes.
-    ProcRunningApplications apps;
+    // Every process of the machine is looked at: the cost of one watcher
+    // tick's listing, names of known processes remembered (argument 1) or
+    // all read afresh as on the first listing (argument 0).
+    std::optional<ProcRunningApplications> apps;
+    apps.emplace(ProcRunningApplications::Options{.reuseFor = {}});
     for (auto _ : state) {
-        benchmark::DoNotOptimize(apps.runningApplications());
+        if (state.range(0) == 0) {
+            state.PauseTiming();
+            apps.emplace(ProcRunningApplications::Options{.reuseFor = {}});
+            state.ResumeTiming();
+        }
+        benchmark::DoNotOptimize(apps->runningApplications());
     }
+    state.counters["processes"] = static_cast<double>(processCount());
 }
-BENCHMARK(BM_RunningApplications)->Unit(benchmark::kMicrosecond);
+BENCHMARK(BM_RunningApplications)
+    ->Unit(benchmark::kMicrosecond)
+    ->ArgName("remembered")
+    ->Arg(0)
+    ->Arg(1);
 
 } // namespace
 } // namespace hg::test

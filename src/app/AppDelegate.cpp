@@ -82,6 +82,20 @@ void AppDelegate::startUp() {
         std::string(UserPrefs::microphoneKey),
         std::make_shared<MicrophoneMeetingApp>(platform_.microphone, platform_.out));
     watcher_->start();
+    askForAShortcutOnce();
+}
+
+void AppDelegate::askForAShortcutOnce() {
+    UserDefaults& defaults = platform_.defaults;
+    if (platform_.eventTap.seesFunctionKey() || defaults.objectForKey(Hotkey::defaultsKey) ||
+        defaults.boolForKey(askedForShortcutKey)) {
+        return;
+    }
+    defaults.setObject(askedForShortcutKey, true);
+    showPrefsWindow(std::string(noFunctionKeyNotice));
+    if (!hotkeyRecorder_->isRecording()) {
+        hotkeyRecorder_->click();
+    }
 }
 
 void AppDelegate::applicationWillTerminate() {
@@ -213,7 +227,7 @@ void AppDelegate::showSetupWindow(MeetingApp& app) {
     bringForward(it->second);
 }
 
-void AppDelegate::showPrefsWindow() {
+void AppDelegate::showPrefsWindow(std::string notice) {
     if (!prefsWindow_) {
         Updater& updater = platform_.updater;
         userPrefs_ = std::make_unique<UserPrefs>(platform_.defaults,
@@ -228,7 +242,8 @@ void AppDelegate::showPrefsWindow() {
                                        if (const auto self = weakSelf.lock()) {
                                            (*self)->showAboutWindow();
                                        }
-                                   }};
+                                   },
+                                   std::move(notice)};
         prefsWindow_ =
             platform_.windows.create(windowtable::preferences.description(std::move(content)));
     }

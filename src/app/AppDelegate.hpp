@@ -43,6 +43,13 @@ public:
     // The application is about to end: a farewell line, nothing saved.
     void applicationWillTerminate();
 
+    // Where key events never carry fn, the default shortcut cannot be
+    // pressed: the first start with no shortcut stored opens Preferences,
+    // once, saying so, with the shortcut recorder ready.
+    static constexpr std::string_view askedForShortcutKey = "asked_for_shortcut";
+    static constexpr std::string_view noFunctionKeyNotice =
+        "fn can't be used here: type a shortcut";
+
     // A new hotkey monitor whose press and release go through one shared
     // double-tap detector; started and kept.
     void setupBinding();
@@ -64,7 +71,8 @@ public:
     // every call; all but the debug panel activate the application first.
     void showAXSetupWindow();
     void showSetupWindow(MeetingApp& app);
-    void showPrefsWindow();
+    // `notice`: a sentence above the shortcut, when the window is first built.
+    void showPrefsWindow(std::string notice = {});
     void showAboutWindow();
     void showDebugWindow();
 
@@ -96,6 +104,7 @@ public:
     [[nodiscard]] static std::string applicationVersion();
 
 private:
+    void askForAShortcutOnce();
     // The name of the app in a meeting, or empty.
     [[nodiscard]] std::string activeAppName() const;
     // Activates the application (unless `activate` is false) and brings the

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 namespace hg {
 
@@ -40,6 +41,18 @@ template <typename T> std::optional<T> wholeNumber(const nlohmann::json& value) 
         return static_cast<T>(d);
     }
     return std::nullopt;
+}
+
+void appendModifierNames(std::string& out, std::uint64_t modifiers) {
+    constexpr std::pair<std::uint64_t, const char*> names[] = {
+        {modifier::control, "Ctrl+"},  {modifier::option, "Alt+"},  {modifier::shift, "Shift+"},
+        {modifier::command, "Super+"}, {modifier::function, "Fn+"},
+    };
+    for (const auto& [bit, name] : names) {
+        if ((modifiers & bit) != 0) {
+            out += name;
+        }
+    }
 }
 
 void appendModifierSymbols(std::string& out, std::uint64_t modifiers) {
@@ -120,11 +133,19 @@ std::optional<Hotkey> Hotkey::fromJson(std::string_view text) {
 
 std::string Hotkey::displayString(const KeyboardLayout* layout) const {
     std::string out;
-    appendModifierSymbols(out, modifiers);
+    const bool named =
+        layout != nullptr && layout->modifierNotation() == KeyboardLayout::ModifierNotation::names;
+    if (named) {
+        appendModifierNames(out, modifiers);
+    } else {
+        appendModifierSymbols(out, modifiers);
+    }
     if (keyCode != noKey) {
         out += keyName(keyCode, layout);
     } else if (out.empty()) {
         return "None";
+    } else if (named) {
+        out.pop_back(); // modifiers alone: no "+" after the last
     }
     return out;
 }

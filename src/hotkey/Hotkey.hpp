@@ -43,7 +43,8 @@ struct Hotkey {
     [[nodiscard]] static std::optional<Hotkey> fromJson(std::string_view text);
 
     // Modifier symbols in the order ⌃ ⌥ ⇧ ⌘ fn, then the key name; "None" for
-    // no key and no modifiers. `layout` may be null (key names fall back).
+    // no key and no modifiers. `layout` may be null (key names fall back);
+    // a layout of a desktop that names modifiers gives "Ctrl+Alt+K".
     [[nodiscard]] std::string displayString(const KeyboardLayout* layout) const;
 
     friend bool operator==(const Hotkey&, const Hotkey&) = default;

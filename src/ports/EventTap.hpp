@@ -44,6 +44,11 @@ public:
 
     // Removes the tap; ignored when none is installed.
     virtual void remove() = 0;
+
+    // Whether the events carry the function (fn) modifier at all. On PC
+    // keyboards fn is handled by the keyboard itself and never reaches
+    // programs, so a shortcut of fn alone cannot be pressed there.
+    [[nodiscard]] virtual bool seesFunctionKey() const { return true; }
 };
 
 } // namespace hg

@@ -17,6 +17,14 @@ public:
     // Layouts that produce nothing printable for a key (a dead key, a control
     // character) may give nothing for it, as xkbcommon's does.
     [[nodiscard]] virtual std::optional<std::string> displayText(std::uint16_t keyCode) const = 0;
+
+    // How the desktop writes a shortcut's modifiers: the Mac's symbols run
+    // together ("⌃⌥⇧⌘fnK"), or the names PC desktops use, joined by "+"
+    // ("Ctrl+Alt+Shift+Super+Fn+K").
+    enum class ModifierNotation { symbols, names };
+    [[nodiscard]] virtual ModifierNotation modifierNotation() const {
+        return ModifierNotation::symbols;
+    }
 };
 
 } // namespace hg

@@ -37,6 +37,8 @@ struct PreferencesContent {
     HotkeyRecorder* recorder = nullptr;
     LaunchAtLogin* launchAtLogin = nullptr;
     std::function<void()> showAbout; // the "About..." button
+    // One sentence shown above the shortcut when not empty.
+    std::string notice{};
 };
 struct AboutContent {
     std::string version; // shown after "v"

@@ -23,6 +23,7 @@
 #include "backends/fake/FakeUserDefaults.hpp"
 #include "backends/fake/FakeWindows.hpp"
 #include "core/UserData.hpp"
+#include "hotkey/HotkeyRecorder.hpp"
 
 #include <gtest/gtest.h>
 
@@ -122,6 +123,26 @@ TEST_F(AppDelegateTest, PreferencesLeadToTheAboutWindowWithTheVersion) {
     EXPECT_EQ(windows.frontOrder().front(), *app.aboutWindow());
     EXPECT_EQ(std::get<AboutContent>(window(app.aboutWindow()).description.content).version,
               HG_VERSION);
+}
+
+TEST_F(AppDelegateTest, WithoutFnTheFirstStartAloneAsksForAShortcut) {
+    eventTap.functionKeySeen = false;
+    launch(true);
+    const auto& content =
+        std::get<PreferencesContent>(window(app.prefsWindow()).description.content);
+    EXPECT_EQ(content.notice, AppDelegate::noFunctionKeyNotice);
+    EXPECT_TRUE(content.recorder->isRecording());
+
+    AppDelegate secondStart{platform};
+    secondStart.startUp();
+    EXPECT_FALSE(secondStart.prefsWindow().has_value());
+
+    // A shortcut stored before the first start: nothing to ask.
+    defaults.removeObject(AppDelegate::askedForShortcutKey);
+    Hotkey{40, 0x40000}.save(defaults);
+    AppDelegate withShortcut{platform};
+    withShortcut.startUp();
+    EXPECT_FALSE(withShortcut.prefsWindow().has_value());
 }
 
 TEST_F(AppDelegateTest, TheSetupRowOpensNothingWhenAllIsSetUpAndTrustBeforeAnApp) {

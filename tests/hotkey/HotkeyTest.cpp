@@ -97,6 +97,12 @@ TEST(HotkeyDisplay, ModifiersInFixedOrderThenKeyName) {
             << row.hotkey.keyCode << " " << row.hotkey.modifiers;
     }
     EXPECT_EQ((Hotkey{40, 0x100000}).displayString(nullptr), "⌘<40>");
+
+    FakeKeyboardLayout pc;
+    pc.notation = KeyboardLayout::ModifierNotation::names;
+    EXPECT_EQ((Hotkey{0xFFFF, 0x9E0000}).displayString(&pc), "Ctrl+Alt+Shift+Super+Fn");
+    EXPECT_EQ((Hotkey{40, 0x140000}).displayString(&pc), "Ctrl+Super+K");
+    EXPECT_EQ((Hotkey{0xFFFF, 0}).displayString(&pc), "None");
 }
 
 // A layout that gives the same text for every key.

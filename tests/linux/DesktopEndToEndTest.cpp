@@ -239,6 +239,25 @@ TEST_F(DesktopEndToEnd, GrantMuteOnJoinToggleFromTheMenuLeaveAndQuit) {
     }
 }
 
+TEST_F(DesktopEndToEnd, MutesAJoinInGtk3AndQt5Applications) {
+    ASSERT_TRUE(switch_.setEnabled(true));
+    for (const Toolkit toolkit : {Toolkit::gtk3, Toolkit::qt5}) {
+        SCOPED_TRACE(toolkitName(toolkit));
+        std::string whyNot;
+        zoom_ = FixtureApp::start(ax_, whyNot, toolkit);
+        ASSERT_NE(zoom_, nullptr) << whyNot;
+        ChildProcess& program = startProgram(std::getenv("XDG_CONFIG_HOME"));
+        // Two ticks: the fixture has been read outside a meeting.
+        ASSERT_TRUE(program.waitForLine("GOT AX:  true"));
+        ASSERT_TRUE(program.waitForLine("GOT AX:  true"));
+        zoom_->command("join");
+        ASSERT_TRUE(program.waitForLine("TOGGLING (auto-mute on join for Zoom)"));
+        EXPECT_TRUE(zoomBecomes("muted"));
+        program.stop();
+        EXPECT_THAT(program.linesRead(), Not(::testing::Contains("BOTH BUTTONS!")));
+    }
+}
+
 TEST_F(DesktopEndToEnd, PushToTalkHoldsAndADoubleTapLeavesTheMicrophoneOpen) {
     // Control-K, stored the way the program stores its shortcut (as data).
     const std::string config = DesktopSession::shared()->scratchDir() + "/push-to-talk-config";

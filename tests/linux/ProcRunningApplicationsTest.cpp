@@ -87,7 +87,8 @@ TEST_F(ProcTree, MatchesOddNamesLongNamesAndFlatpakScopes) {
 }
 
 TEST_F(ProcTree, ARecycledProcessIdIsLookedAtAfresh) {
-    ProcRunningApplications apps({.identities = knownAppIdentities(), .procRoot = root_.string()});
+    ProcRunningApplications apps(
+        {.identities = knownAppIdentities(), .procRoot = root_.string(), .reuseFor = {}});
     add(20, "bwrap", 'S', "0::/app-flatpak-us.zoom.Zoom-1.scope\n");
     EXPECT_THAT(apps.runningApplications(), ElementsAre(App("us.zoom.xos", 20)));
 

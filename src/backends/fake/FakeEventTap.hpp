@@ -14,6 +14,8 @@ namespace hg {
 class FakeEventTap final : public EventTap {
 public:
     bool installable = true;
+    // Whether events carry fn, as on a Mac; false plays a PC desktop.
+    bool functionKeySeen = true;
 
     // Called with true after a successful install and with false after an
     // installed tap is removed; not for enabling or disabling.
@@ -22,6 +24,7 @@ public:
     bool install(Callback callback) override;
     void setEnabled(bool enabled) override;
     void remove() override;
+    [[nodiscard]] bool seesFunctionKey() const override { return functionKeySeen; }
 
     [[nodiscard]] bool isInstalled() const { return installed_; }
     [[nodiscard]] bool isEnabled() const { return installed_ && enabled_; }

@@ -10,6 +10,9 @@ namespace hg {
 class FakeKeyboardLayout final : public KeyboardLayout {
 public:
     [[nodiscard]] std::optional<std::string> displayText(std::uint16_t keyCode) const override;
+    [[nodiscard]] ModifierNotation modifierNotation() const override { return notation; }
+
+    ModifierNotation notation = ModifierNotation::symbols;
 };
 
 } // namespace hg

@@ -45,28 +45,43 @@ bool AtspiAccessibility::isProcessTrusted(bool prompt) {
     return false;
 }
 
-std::optional<ProcessId> AtspiAccessibility::processOf(const QString& service) {
+void AtspiAccessibility::learnProcesses(const std::vector<AtspiObjectRef>& applications) {
     if (processesGeneration_ != bus_.generation()) {
         processes_.clear();
         processesGeneration_ = bus_.generation();
     }
-    if (const auto it = processes_.find(service); it != processes_.end()) {
-        return it->second;
+    std::vector<QString> unknown;
+    std::vector<AtspiRequest> requests;
+    for (const auto& application : applications) {
+        if (!processes_.contains(application.service)) {
+            unknown.push_back(application.service);
+            requests.push_back({QStringLiteral("org.freedesktop.DBus"),
+                                QStringLiteral("/org/freedesktop/DBus"),
+                                QStringLiteral("org.freedesktop.DBus"),
+                                QStringLiteral("GetConnectionUnixProcessID"),
+                                {QVariant(application.service)}});
+        }
     }
-    const AtspiReply reply =
-        bus_.call(QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-                  QStringLiteral("org.freedesktop.DBus"),
-                  QStringLiteral("GetConnectionUnixProcessID"), {QVariant(service)});
-    if (reply.error != ax::success || reply.arguments.size() != 1 ||
-        reply.arguments.front().typeId() != QMetaType::UInt) {
+    const std::vector<AtspiReply> replies = bus_.callAll(requests);
+    // The calls may have reopened the bus; only names of the current one are kept.
+    if (processesGeneration_ != bus_.generation()) {
+        return;
+    }
+    for (std::size_t i = 0; i < replies.size(); ++i) {
+        const AtspiReply& reply = replies[i];
+        if (reply.error == ax::success && reply.arguments.size() == 1 &&
+            reply.arguments.front().typeId() == QMetaType::UInt) {
+            processes_[unknown[i]] = static_cast<ProcessId>(reply.arguments.front().toUInt());
+        }
+    }
+}
+
+std::optional<ProcessId> AtspiAccessibility::processOf(const QString& service) const {
+    const auto it = processes_.find(service);
+    if (it == processes_.end() || processesGeneration_ != bus_.generation()) {
         return std::nullopt;
     }
-    const auto pid = static_cast<ProcessId>(reply.arguments.front().toUInt());
-    // The call may have reopened the bus; only a name of the current one is kept.
-    if (processesGeneration_ == bus_.generation()) {
-        processes_[service] = pid;
-    }
-    return pid;
+    return it->second;
 }
 
 AXError AtspiAccessibility::applications(std::vector<AtspiObjectRef>& out) {
@@ -96,18 +111,45 @@ AXElementRef AtspiAccessibility::createApplication(ProcessId pid) {
     // Every read of an application starts here: what an earlier walk learnt
     // may be out of date.
     tree_.forget();
+    if (!bus_.connect()) {
+        return AtspiElement::dead(failureCode(atspiFailure::busUnreachable));
+    }
+    if (applicationsGeneration_ != bus_.generation()) {
+        applicationOf_.clear();
+        applicationsGeneration_ = bus_.generation();
+    }
+    // A process keeps its connection to the bus: the registry is asked once.
+    // Should the application be gone, its first read fails and the next
+    // lookup asks again.
+    if (const auto known = applicationOf_.find(pid); known != applicationOf_.end()) {
+        return std::make_shared<AtspiElement>(known->second.service, known->second.path,
+                                              bus_.generation());
+    }
     std::vector<AtspiObjectRef> registered;
     if (const AXError code = applications(registered); code != ax::success) {
         return AtspiElement::dead(code);
     }
     forgetUnregistered(registered);
+    learnProcesses(registered);
     for (const auto& application : registered) {
         if (processOf(application.service) == pid) {
+            if (applicationOf_.size() >= 64) {
+                applicationOf_.clear();
+            }
+            applicationOf_[pid] = application;
             return std::make_shared<AtspiElement>(application.service, application.path,
                                                   bus_.generation());
         }
     }
     return AtspiElement::dead(failureCode(atspiFailure::noApplication));
+}
+
+void AtspiAccessibility::forgetApplicationOnFailure(const AtspiElement& element, AXError code) {
+    if (code == ax::invalidUIElement) {
+        std::erase_if(applicationOf_, [&element](const auto& entry) {
+            return entry.second.service == element.service();
+        });
+    }
 }
 
 std::vector<ProcessId> AtspiAccessibility::registeredProcessIds() {
@@ -117,6 +159,7 @@ std::vector<ProcessId> AtspiAccessibility::registeredProcessIds() {
         return pids;
     }
     forgetUnregistered(registered);
+    learnProcesses(registered);
     for (const auto& application : registered) {
         if (const auto pid = processOf(application.service)) {
             pids.push_back(*pid);
@@ -149,19 +192,18 @@ AXCopyResult AtspiAccessibility::copyAttributeValue(const AXElementRef& element,
     if (const AXError code = unusable(*atspi); code != ax::success) {
         return failed(code);
     }
+    AXCopyResult result = failed(failureCode(atspiFailure::unknownAttribute));
     if (attribute == "AXChildren") {
-        return children(*atspi);
+        result = children(*atspi);
+    } else if (attribute == "AXRole") {
+        result = role(*atspi);
+    } else if (attribute == "AXTitle") {
+        result = title(*atspi);
+    } else if (attribute == "AXMenuBar") {
+        result = menuBar(*atspi);
     }
-    if (attribute == "AXRole") {
-        return role(*atspi);
-    }
-    if (attribute == "AXTitle") {
-        return title(*atspi);
-    }
-    if (attribute == "AXMenuBar") {
-        return menuBar(*atspi);
-    }
-    return failed(failureCode(atspiFailure::unknownAttribute));
+    forgetApplicationOnFailure(*atspi, result.error);
+    return result;
 }
 
 AXCopyResult AtspiAccessibility::children(const AtspiElement& element) {
@@ -223,6 +265,7 @@ AXError AtspiAccessibility::performAction(const AXElementRef& element, std::stri
         return failureCode(atspiFailure::noAction);
     }
     const AXError code = press(*atspi);
+    forgetApplicationOnFailure(*atspi, code);
     // The application's menus may look different now.
     tree_.forget();
     return code;

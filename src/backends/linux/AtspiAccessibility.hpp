@@ -73,9 +73,15 @@ private:
     AXCopyResult title(const AtspiElement& element);
     AXCopyResult menuBar(const AtspiElement& element);
     AXError press(const AtspiElement& element);
+    // After a read or action failed with `code`: an application that is
+    // gone is looked up in the registry again next time.
+    void forgetApplicationOnFailure(const AtspiElement& element, AXError code);
     // The applications in the registry; a nonzero code on failure.
     AXError applications(std::vector<AtspiObjectRef>& out);
-    std::optional<ProcessId> processOf(const QString& service);
+    // Asks the bus, in one round trip, for the processes of the applications
+    // whose process is not known yet.
+    void learnProcesses(const std::vector<AtspiObjectRef>& applications);
+    [[nodiscard]] std::optional<ProcessId> processOf(const QString& service) const;
     // Drops the remembered processes of applications no longer registered.
     void forgetUnregistered(const std::vector<AtspiObjectRef>& applications);
 
@@ -91,6 +97,9 @@ private:
     // opened anew.
     std::map<QString, ProcessId> processes_;
     std::uint64_t processesGeneration_ = 0;
+    // The application of each process looked up on this bus.
+    std::map<ProcessId, AtspiObjectRef> applicationOf_;
+    std::uint64_t applicationsGeneration_ = 0;
 };
 
 } // namespace hg

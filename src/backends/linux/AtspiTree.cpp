@@ -12,9 +12,6 @@ namespace {
 const QString accessibleInterface = QStringLiteral("org.a11y.atspi.Accessible");
 const QString componentInterface = QStringLiteral("org.a11y.atspi.Component");
 
-// The requests of one object, in the order store() reads their replies.
-enum Ask : std::size_t { askRole, askName, askStates, askChildren, askArea, askCount };
-
 // ATSPI_COORD_TYPE_WINDOW: any frame of reference tells an empty area.
 constexpr unsigned windowCoordinates = 1;
 
@@ -23,8 +20,9 @@ constexpr int maxMenuBarDepth = 6;
 // Objects looked at on one level of that search.
 constexpr std::size_t maxMenuBarBreadth = 64;
 
-// Top-level menus remembered across walks; an application has a dozen.
-constexpr std::size_t maxTopLevelMenus = 256;
+// Top-level menus and menu bars remembered across walks; an application has
+// a dozen of the first and one of the second.
+constexpr std::size_t maxRemembered = 256;
 
 // After this long without a question the tree may have changed.
 constexpr std::chrono::milliseconds idleLimit{250};
@@ -46,9 +44,11 @@ AtspiTree::AtspiTree(AtspiBus& bus) : bus_(bus) {}
 void AtspiTree::forget() {
     known_.clear();
     stopped_.clear();
-    if (topLevelGeneration_ != bus_.generation() || topLevel_.size() > maxTopLevelMenus) {
+    if (rememberedGeneration_ != bus_.generation() || topLevel_.size() > maxRemembered ||
+        menuBars_.size() > maxRemembered) {
         topLevel_.clear();
-        topLevelGeneration_ = bus_.generation();
+        menuBars_.clear();
+        rememberedGeneration_ = bus_.generation();
     }
 }
 
@@ -60,102 +60,123 @@ void AtspiTree::forgetWhenIdle() {
     lastUse_ = now;
 }
 
-void AtspiTree::learn(const std::vector<AtspiObjectRef>& objects) {
-    std::vector<AtspiObjectRef> asked;
+void AtspiTree::learn(const std::vector<AtspiObjectRef>& objects, unsigned need) {
+    struct Asked {
+        Key key;
+        Ask ask;
+    };
+    std::vector<Asked> asked;
     std::vector<AtspiRequest> requests;
     for (const auto& object : objects) {
         const Key key{object.service, object.path};
-        if (known_.contains(key)) {
+        Facts& facts = known_[key];
+        const unsigned missing = need & ~facts.asked;
+        facts.asked |= missing;
+        if (missing == 0) {
             continue;
         }
         if (stopped_.contains(object.service)) {
-            Facts& facts = known_[key];
-            facts.roleError = facts.nameError = facts.childrenError = ax::cannotComplete;
+            if ((missing & needShape) != 0) {
+                facts.roleError = facts.childrenError = ax::cannotComplete;
+            }
+            if ((missing & needDetail) != 0) {
+                facts.nameError = ax::cannotComplete;
+            }
             continue;
         }
-        known_[key] = Facts{};
-        asked.push_back(object);
         const QString& service = object.service;
         const QString& path = object.path;
-        requests.push_back({service, path, accessibleInterface, QStringLiteral("GetRole")});
-        requests.push_back(
-            AtspiBus::propertyRequest(service, path, accessibleInterface, QStringLiteral("Name")));
-        requests.push_back({service, path, accessibleInterface, QStringLiteral("GetState")});
-        requests.push_back({service, path, accessibleInterface, QStringLiteral("GetChildren")});
-        requests.push_back({service,
-                            path,
-                            componentInterface,
-                            QStringLiteral("GetExtents"),
-                            {QVariant(windowCoordinates)}});
+        const auto ask = [&](Ask what, AtspiRequest request) {
+            asked.push_back({key, what});
+            requests.push_back(std::move(request));
+        };
+        if ((missing & needShape) != 0) {
+            ask(askRole, {service, path, accessibleInterface, QStringLiteral("GetRole")});
+            ask(askChildren, {service, path, accessibleInterface, QStringLiteral("GetChildren")});
+        }
+        if ((missing & needDetail) != 0) {
+            ask(askName, AtspiBus::propertyRequest(service, path, accessibleInterface,
+                                                   QStringLiteral("Name")));
+            ask(askStates, {service, path, accessibleInterface, QStringLiteral("GetState")});
+        }
+        if ((missing & needArea) != 0) {
+            ask(askArea, {service,
+                          path,
+                          componentInterface,
+                          QStringLiteral("GetExtents"),
+                          {QVariant(windowCoordinates)}});
+        }
     }
     if (requests.empty()) {
         return;
     }
     const std::vector<AtspiReply> replies = bus_.callAll(requests);
     for (std::size_t i = 0; i < asked.size(); ++i) {
-        store(asked[i], replies, i * askCount);
+        store(asked[i].key, asked[i].ask, replies[i]);
     }
     lastUse_ = std::chrono::steady_clock::now();
 }
 
-void AtspiTree::store(const AtspiObjectRef& object, const std::vector<AtspiReply>& replies,
-                      std::size_t first) {
-    Facts& facts = known_[Key{object.service, object.path}];
+void AtspiTree::store(const Key& key, Ask ask, const AtspiReply& reply) {
+    Facts& facts = known_[key];
     const AXError badReply = failureCode(atspiFailure::badReply);
-    const auto reply = [&](Ask ask) -> const AtspiReply& { return replies[first + ask]; };
+    if (reply.error == ax::cannotComplete) {
+        stopped_.insert(key.first);
+    }
     // The one argument of a successful reply, or none.
-    const auto single = [&](const AtspiReply& answer) -> const QVariant* {
+    const auto single = [](const AtspiReply& answer) -> const QVariant* {
         return answer.error == ax::success && answer.arguments.size() == 1
                    ? &answer.arguments.front()
                    : nullptr;
     };
-
-    facts.roleError = reply(askRole).error;
-    if (const QVariant* value = single(reply(askRole)); value != nullptr) {
-        facts.roleError = value->typeId() == QMetaType::UInt ? ax::success : badReply;
-        facts.role = value->toUInt();
-    }
-
-    const AtspiReply nameReply = AtspiBus::propertyValue(reply(askName));
-    facts.nameError = nameReply.error;
-    if (const QVariant* value = single(nameReply); value != nullptr) {
-        facts.nameError = value->typeId() == QMetaType::QString ? ax::success : badReply;
-        facts.name = value->toString().trimmed();
-    }
-
-    if (const QVariant* value = single(reply(askStates)); value != nullptr) {
-        facts.states = readStateWords(*value);
-    }
-    if (const QVariant* value = single(reply(askArea)); value != nullptr) {
-        facts.hasArea = readHasArea(*value);
-    }
-
-    facts.childrenError = reply(askChildren).error;
-    if (const QVariant* value = single(reply(askChildren)); value != nullptr) {
-        const auto refs = readObjectRefs(*value);
-        facts.childrenError = refs ? ax::success : badReply;
-        if (refs) {
-            facts.children.assign(refs->begin(), refs->end());
+    switch (ask) {
+    case askRole:
+        facts.roleError = reply.error;
+        if (const QVariant* value = single(reply); value != nullptr) {
+            facts.roleError = value->typeId() == QMetaType::UInt ? ax::success : badReply;
+            facts.role = value->toUInt();
         }
-        for (auto& child : facts.children) {
-            // Some toolkits leave the bus name out for objects of their own.
-            if (child.service.isEmpty()) {
-                child.service = object.service;
+        break;
+    case askName: {
+        const AtspiReply name = AtspiBus::propertyValue(reply);
+        facts.nameError = name.error;
+        if (const QVariant* value = single(name); value != nullptr) {
+            facts.nameError = value->typeId() == QMetaType::QString ? ax::success : badReply;
+            facts.name = value->toString().trimmed();
+        }
+        break;
+    }
+    case askStates:
+        if (const QVariant* value = single(reply); value != nullptr) {
+            facts.states = readStateWords(*value);
+        }
+        break;
+    case askArea:
+        if (const QVariant* value = single(reply); value != nullptr) {
+            facts.hasArea = readHasArea(*value);
+        }
+        break;
+    case askChildren:
+        facts.childrenError = reply.error;
+        if (const QVariant* value = single(reply); value != nullptr) {
+            const auto refs = readObjectRefs(*value);
+            facts.childrenError = refs ? ax::success : badReply;
+            if (refs) {
+                facts.children.assign(refs->begin(), refs->end());
+            }
+            for (auto& child : facts.children) {
+                // Some toolkits leave the bus name out for objects of their own.
+                if (child.service.isEmpty()) {
+                    child.service = key.first;
+                }
             }
         }
-    }
-
-    const bool timedOut =
-        std::any_of(replies.begin() + static_cast<std::ptrdiff_t>(first),
-                    replies.begin() + static_cast<std::ptrdiff_t>(first + askCount),
-                    [](const AtspiReply& answer) { return answer.error == ax::cannotComplete; });
-    if (timedOut) {
-        stopped_.insert(object.service);
+        break;
     }
 }
 
-AtspiTree::Facts& AtspiTree::facts(const AtspiObjectRef& object) {
-    learn({object});
+AtspiTree::Facts& AtspiTree::facts(const AtspiObjectRef& object, unsigned need) {
+    learn({object}, need);
     return known_[Key{object.service, object.path}];
 }
 
@@ -164,15 +185,33 @@ bool AtspiTree::hidden(const Facts& facts) const {
            isOutOfSight(*facts.states, facts.hasArea);
 }
 
+bool AtspiTree::mayBeHidden(const Facts& facts) const {
+    return facts.roleError == ax::success && isMenuEntry(facts.role) && facts.states &&
+           !hasState(*facts.states, atspiState::visible);
+}
+
 AXError AtspiTree::children(const AtspiObjectRef& object, std::vector<AtspiObjectRef>& out) {
     forgetWhenIdle();
-    const Facts& parent = facts(object);
+    const Facts& parent = facts(object, needShape);
     if (parent.childrenError != ax::success) {
         return parent.childrenError;
     }
     const std::vector<AtspiObjectRef> listed = parent.children;
     const bool menuBar = parent.roleError == ax::success && parent.role == atspiRole::menuBar;
-    learn(listed);
+    const bool menu = parent.roleError == ax::success &&
+                      (parent.role == atspiRole::menu || parent.role == atspiRole::popupMenu);
+    // What a search reads of each child, with the children's own children
+    // ahead of a search that goes down: one round trip a level. Qt's items of
+    // a closed menu are not visible, and their area tells whether they are
+    // hidden: for a menu's items it comes in the same round trip.
+    learn(listed, needShape | needDetail | (menu ? needArea : 0U));
+    std::vector<AtspiObjectRef> unclear;
+    for (const auto& child : listed) {
+        if (mayBeHidden(known_[Key{child.service, child.path}])) {
+            unclear.push_back(child);
+        }
+    }
+    learn(unclear, needArea);
     out.clear();
     for (const auto& child : listed) {
         const Facts& childFacts = known_[Key{child.service, child.path}];
@@ -188,7 +227,7 @@ AXError AtspiTree::children(const AtspiObjectRef& object, std::vector<AtspiObjec
 
 AXError AtspiTree::role(const AtspiObjectRef& object, std::uint32_t& out) {
     forgetWhenIdle();
-    const Facts& known = facts(object);
+    const Facts& known = facts(object, needShape);
     if (known.roleError != ax::success) {
         return known.roleError;
     }
@@ -201,7 +240,7 @@ AXError AtspiTree::role(const AtspiObjectRef& object, std::uint32_t& out) {
 
 AXError AtspiTree::name(const AtspiObjectRef& object, QString& out) {
     forgetWhenIdle();
-    const Facts& known = facts(object);
+    const Facts& known = facts(object, needDetail);
     if (known.nameError == ax::success) {
         out = known.name;
     }
@@ -210,9 +249,28 @@ AXError AtspiTree::name(const AtspiObjectRef& object, QString& out) {
 
 AXError AtspiTree::menuBar(const AtspiObjectRef& application, AtspiObjectRef& out) {
     forgetWhenIdle();
+    if (const auto known = menuBars_.find(application.service); known != menuBars_.end()) {
+        const Facts& bar = facts(known->second, needShape);
+        if (bar.roleError == ax::success && bar.role == atspiRole::menuBar) {
+            out = known->second;
+            return ax::success;
+        }
+        menuBars_.erase(known);
+        if (stopped_.contains(application.service)) {
+            return ax::cannotComplete;
+        }
+    }
+    const AXError code = searchMenuBar(application, out);
+    if (code == ax::success) {
+        menuBars_[application.service] = out;
+    }
+    return code;
+}
+
+AXError AtspiTree::searchMenuBar(const AtspiObjectRef& application, AtspiObjectRef& out) {
     std::vector<AtspiObjectRef> level{application};
     for (int depth = 0; depth <= maxMenuBarDepth && !level.empty(); ++depth) {
-        learn(level);
+        learn(level, needShape);
         if (stopped_.contains(application.service)) {
             return ax::cannotComplete;
         }

@@ -14,8 +14,10 @@ namespace hg {
 
 // What one walk through an application's tree has learnt so far, so that a
 // walk asks each object once and asks a whole level of the tree in one round
-// trip: the role, name, states, area and children of every object it learns,
-// in one batch of requests sent together.
+// trip: the role and children of every object on the way to the menu bar, and
+// also the name and states of those whose titles are read, in one batch of
+// requests sent together (the area, of menu items that are not visible, in
+// a second).
 //
 // A walk is what happens between two calls of forget() (the backend forgets
 // at the start of every application lookup and after every action); what it
@@ -41,13 +43,20 @@ public:
     AXError name(const AtspiObjectRef& object, QString& out);
     // The first menu bar of an application, searched breadth-first through
     // its windows to a bounded depth: the shallowest wins, then the first in
-    // the windows' order.
+    // the windows' order. The one found is remembered across walks and only
+    // confirmed the next time, while it is still a menu bar.
     AXError menuBar(const AtspiObjectRef& application, AtspiObjectRef& out);
 
 private:
     using Key = std::pair<QString, QString>; // service, path
 
+    // What is asked of an object: its role and children; its name and
+    // states; its area.
+    enum Need : unsigned { needShape = 1, needDetail = 2, needArea = 4 };
+    enum Ask { askRole, askChildren, askName, askStates, askArea };
+
     struct Facts {
+        unsigned asked = 0; // Need bits
         AXError roleError = ax::success;
         std::uint32_t role = 0;
         AXError nameError = ax::success;
@@ -58,13 +67,15 @@ private:
         std::optional<bool> hasArea;
     };
 
-    // Learns every object of `objects` not learnt yet, in one round trip.
-    void learn(const std::vector<AtspiObjectRef>& objects);
-    Facts& facts(const AtspiObjectRef& object);
-    void store(const AtspiObjectRef& object, const std::vector<AtspiReply>& replies,
-               std::size_t first);
+    // Asks what is not known yet of `objects`, in one round trip.
+    void learn(const std::vector<AtspiObjectRef>& objects, unsigned need);
+    Facts& facts(const AtspiObjectRef& object, unsigned need);
+    void store(const Key& key, Ask ask, const AtspiReply& reply);
     [[nodiscard]] bool hidden(const Facts& facts) const;
+    // A menu entry not visible: hidden or in a closed menu.
+    [[nodiscard]] bool mayBeHidden(const Facts& facts) const;
     void forgetWhenIdle();
+    AXError searchMenuBar(const AtspiObjectRef& application, AtspiObjectRef& out);
 
     AtspiBus& bus_;
     std::map<Key, Facts> known_;
@@ -74,7 +85,9 @@ private:
     // Objects listed under a menu bar: its top-level menus. Kept across
     // walks, so that such a menu found again later is still one.
     std::set<Key> topLevel_;
-    std::uint64_t topLevelGeneration_ = 0;
+    // The menu bar found last, by application.
+    std::map<QString, AtspiObjectRef> menuBars_;
+    std::uint64_t rememberedGeneration_ = 0;
 };
 
 } // namespace hg

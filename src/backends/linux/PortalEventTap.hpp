@@ -66,6 +66,8 @@ public:
     bool install(Callback callback) override;
     void setEnabled(bool enabled) override;
     void remove() override;
+    // PC keyboards keep fn to themselves.
+    [[nodiscard]] bool seesFunctionKey() const override { return false; }
 
 private slots:
     void response(uint code, const QVariantMap& results);

@@ -82,15 +82,11 @@ ProcRunningApplications::ProcRunningApplications() : ProcRunningApplications(Opt
 ProcRunningApplications::ProcRunningApplications(Options options)
     : options_(std::move(options)), uid_(options_.uid.value_or(::geteuid())) {}
 
-const AppIdentity* ProcRunningApplications::identify(ProcessId pid,
-                                                     const std::string& processDir) const {
-    const auto name = processName(processDir);
-    if (!name) {
-        return nullptr;
-    }
+const AppIdentity* ProcRunningApplications::identify(ProcessId pid, const std::string& processDir,
+                                                     const std::string& name) const {
     for (const auto& identity : options_.identities) {
         for (const auto& wanted : identity.processNames) {
-            if (*name == kernelProcessName(wanted)) {
+            if (name == kernelProcessName(wanted)) {
                 return &identity;
             }
         }
@@ -98,10 +94,10 @@ const AppIdentity* ProcRunningApplications::identify(ProcessId pid,
     // A process stays in the cgroup it was started in, so its Flatpak scope
     // is looked up once, and again only if the pid shows another name.
     auto& known = flatpakVerdicts_[pid];
-    if (known.processName == *name && known.checked) {
+    if (known.processName == name && known.checked) {
         return known.identity;
     }
-    known = FlatpakVerdict{*name, true, nullptr};
+    known = FlatpakVerdict{name, true, nullptr};
     std::optional<std::string> cgroups;
     for (const auto& identity : options_.identities) {
         for (const auto& flatpakId : identity.flatpakIds) {
@@ -118,6 +114,16 @@ const AppIdentity* ProcRunningApplications::identify(ProcessId pid,
 }
 
 std::vector<RunningApplication> ProcRunningApplications::runningApplications() const {
+    const auto now = std::chrono::steady_clock::now();
+    if (!lastScan_ || now - *lastScan_ >= options_.reuseFor) {
+        lastListing_ = scan();
+        lastScan_ = now;
+    }
+    return lastListing_;
+}
+
+std::vector<RunningApplication> ProcRunningApplications::scan() const {
+    ++scans_;
     std::vector<RunningApplication> found;
     std::set<ProcessId> seen;
     DIR* dir = ::opendir(options_.procRoot.c_str());
@@ -136,7 +142,17 @@ std::vector<RunningApplication> ProcRunningApplications::runningApplications() c
             continue;
         }
         seen.insert(*pid);
-        const AppIdentity* identity = identify(*pid, processDir);
+        const std::int64_t since =
+            std::int64_t{info.st_ctim.tv_sec} * 1'000'000'000 + info.st_ctim.tv_nsec;
+        Seen& known = seen_[*pid];
+        const bool recheck = (static_cast<std::uint64_t>(*pid) + scans_) % 8 == 0;
+        if (known.since != since || !known.name || recheck) {
+            known = Seen{since, processName(processDir)};
+        }
+        if (!known.name) {
+            continue;
+        }
+        const AppIdentity* identity = identify(*pid, processDir, *known.name);
         if (identity == nullptr || isDead(processDir)) {
             continue;
         }
@@ -145,6 +161,7 @@ std::vector<RunningApplication> ProcRunningApplications::runningApplications() c
     ::closedir(dir);
     std::erase_if(flatpakVerdicts_,
                   [&seen](const auto& entry) { return !seen.contains(entry.first); });
+    std::erase_if(seen_, [&seen](const auto& entry) { return !seen.contains(entry.first); });
 
     std::sort(
         found.begin(), found.end(),

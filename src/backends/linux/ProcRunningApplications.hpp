@@ -1,10 +1,13 @@
 #pragma once
 
-#include "ports/RunningApplications.hpp"
 #include "backends/linux/AppIdentities.hpp"
+#include "ports/RunningApplications.hpp"
 
+#include <chrono>
+#include <cstdint>
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -13,6 +16,12 @@ namespace hg {
 // The running applications of this user, read from /proc: every live process
 // owned by the user whose name or Flatpak id is one of an AppIdentity's, with
 // that identity's bundle identifier. Other processes are not listed.
+//
+// Cost: the watcher asks once a second for each app it knows, so a listing
+// asked for again within `reuseFor` is the last one, and a process's name is
+// read when the process is new to the listing (by its /proc entry's time, so
+// a reused pid counts as new) and otherwise every eighth listing, in case the
+// process has run another program since.
 //
 // Order: by process id, except that when one bundle identifier has several
 // processes (Zoom's launcher and Zoom itself), those that have registered
@@ -28,6 +37,7 @@ public:
         // The processes registered with the accessibility bus, asked only
         // when a bundle has more than one process. None: keep process order.
         std::function<std::vector<ProcessId>()> registeredProcesses{};
+        std::chrono::milliseconds reuseFor{50};
     };
 
     ProcRunningApplications();
@@ -42,12 +52,24 @@ private:
         const AppIdentity* identity = nullptr;
     };
 
-    [[nodiscard]] const AppIdentity* identify(ProcessId pid, const std::string& processDir) const;
+    // What the last listings saw of a process of the user.
+    struct Seen {
+        std::int64_t since = 0; // the /proc entry's change time, in ns
+        std::optional<std::string> name;
+    };
+
+    [[nodiscard]] const AppIdentity* identify(ProcessId pid, const std::string& processDir,
+                                              const std::string& name) const;
+    [[nodiscard]] std::vector<RunningApplication> scan() const;
 
     Options options_;
     unsigned uid_;
     // Flatpak scopes of the processes seen in the last listing.
     mutable std::map<ProcessId, FlatpakVerdict> flatpakVerdicts_;
+    mutable std::map<ProcessId, Seen> seen_;
+    mutable std::uint64_t scans_ = 0;
+    mutable std::optional<std::chrono::steady_clock::time_point> lastScan_;
+    mutable std::vector<RunningApplication> lastListing_;
 };
 
 } // namespace hg

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "backends/linux/X11GrabPlan.hpp"
+#include "backends/linux/X11KeyTranslator.hpp"
 #include "hotkey/Hotkey.hpp"
 #include "ports/EventTap.hpp"
 #include "ports/LineSink.hpp"
 #include "ports/UserDefaults.hpp"
-#include "backends/linux/X11GrabPlan.hpp"
-#include "backends/linux/X11KeyTranslator.hpp"
 
 #include <QAbstractNativeEventFilter>
 #include <QTimer>
@@ -74,6 +74,8 @@ public:
     bool install(Callback callback) override;
     void setEnabled(bool enabled) override;
     void remove() override;
+    // PC keyboards keep fn to themselves.
+    [[nodiscard]] bool seesFunctionKey() const override { return false; }
 
     // Reads the keyboard mapping and the stored shortcut now and renews the
     // grabs when they changed. The tap does this by itself; tests call it to

@@ -27,6 +27,10 @@ public:
     // Nothing for keys without an X11 counterpart, keys that give no text, a
     // control character or only a dead key, and when there is no keymap.
     [[nodiscard]] std::optional<std::string> displayText(std::uint16_t keyCode) const override;
+    // Linux desktops write Ctrl+Alt+Shift+Super.
+    [[nodiscard]] ModifierNotation modifierNotation() const override {
+        return ModifierNotation::names;
+    }
 
     // Whether a keymap could be built (from the names, or now from X11).
     [[nodiscard]] bool hasKeymap() const;

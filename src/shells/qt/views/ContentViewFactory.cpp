@@ -35,7 +35,8 @@ QWidget* makeContentView(const WindowContent& content, QWidget* parent) {
                 if (c.prefs == nullptr || c.recorder == nullptr || c.launchAtLogin == nullptr) {
                     return new QWidget(parent);
                 }
-                return new PrefsView(*c.prefs, *c.recorder, *c.launchAtLogin, c.showAbout, parent);
+                return new PrefsView(*c.prefs, *c.recorder, *c.launchAtLogin, c.showAbout,
+                                     QString::fromStdString(c.notice), parent);
             },
             [parent](const AboutContent& c) -> QWidget* {
                 return new AboutView(QString::fromStdString(c.version), parent);

@@ -14,7 +14,7 @@
 namespace hg::views {
 
 PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& launchAtLogin,
-                     std::function<void()> showAbout, QWidget* parent)
+                     std::function<void()> showAbout, const QString& notice, QWidget* parent)
     : QWidget(parent), prefs_(prefs), showAbout_(std::move(showAbout)),
       redraw_(*this, [this] { redraw(); }) {
     auto* column = new QVBoxLayout(this);
@@ -33,9 +33,12 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
     shortcutRow->addStretch();
     column->addLayout(shortcutRow);
 
-    auto* hint = makeText(QStringLiteral("Double tap to toggle resting status"), this);
+    auto* hint = makeText(
+        notice.isEmpty() ? QStringLiteral("Double tap to toggle resting status") : notice, this);
     makeItalic(*hint);
-    makeGrey(*hint);
+    if (notice.isEmpty()) {
+        makeGrey(*hint);
+    }
     column->addWidget(hint);
 
     column->addWidget(

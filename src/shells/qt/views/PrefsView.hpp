@@ -20,13 +20,15 @@ namespace views {
 // switch for the system microphone, the mute-on-join switches and the update
 // and About buttons. Keeps nothing of
 // its own: every switch writes its object at once and redraws when the
-// object announces a change. The objects must outlive the view.
+// object announces a change. The objects must outlive the view. A notice, when
+// given, stands in the place of the hint under the shortcut.
 class PrefsView final : public QWidget {
     Q_OBJECT
 
 public:
     PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& launchAtLogin,
-              std::function<void()> showAbout, QWidget* parent = nullptr);
+              std::function<void()> showAbout, const QString& notice = {},
+              QWidget* parent = nullptr);
 
     [[nodiscard]] QCheckBox& zoomToggle() { return *zoom_; }
     [[nodiscard]] QCheckBox& tupleToggle() { return *tuple_; }
