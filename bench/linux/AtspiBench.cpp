@@ -176,11 +176,11 @@ void BM_RunningApplications(benchmark::State& state) {
     // tick's listing, names of known processes remembered (argument 1) or
     // all read afresh as on the first listing (argument 0).
     std::optional<ProcRunningApplications> apps;
-    apps.emplace(ProcRunningApplications::Options{.reuseFor = {}});
+    apps.emplace(ProcRunningApplications::Options{.rescanAfter = {}});
     for (auto _ : state) {
         if (state.range(0) == 0) {
             state.PauseTiming();
-            apps.emplace(ProcRunningApplications::Options{.reuseFor = {}});
+            apps.emplace(ProcRunningApplications::Options{.rescanAfter = {}});
             state.ResumeTiming();
         }
         benchmark::DoNotOptimize(apps->runningApplications());

@@ -122,7 +122,7 @@ public:
             apps_ = std::make_unique<ProcRunningApplications>(ProcRunningApplications::Options{
                 .identities = {AppIdentity{"us.zoom.xos", {app_->processName()}, {}}},
                 .registeredProcesses = [this] { return ax_.registeredProcessIds(); },
-                .reuseFor = {}, // the cases kill the application between two reads
+                .rescanAfter = {}, // the cases kill the application between two reads
             });
             ax = &ax_;
             apps = apps_.get();

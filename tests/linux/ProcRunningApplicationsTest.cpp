@@ -88,7 +88,7 @@ TEST_F(ProcTree, MatchesOddNamesLongNamesAndFlatpakScopes) {
 
 TEST_F(ProcTree, ARecycledProcessIdIsLookedAtAfresh) {
     ProcRunningApplications apps(
-        {.identities = knownAppIdentities(), .procRoot = root_.string(), .reuseFor = {}});
+        {.identities = knownAppIdentities(), .procRoot = root_.string(), .rescanAfter = {}});
     add(20, "bwrap", 'S', "0::/app-flatpak-us.zoom.Zoom-1.scope\n");
     EXPECT_THAT(apps.runningApplications(), ElementsAre(App("us.zoom.xos", 20)));
 
@@ -98,6 +98,20 @@ TEST_F(ProcTree, ARecycledProcessIdIsLookedAtAfresh) {
     EXPECT_THAT(apps.runningApplications(), IsEmpty());
     add(20, "cat", 'S', "0::/app-flatpak-app.tuple.Tuple-3.scope\n");
     EXPECT_THAT(apps.runningApplications(), ElementsAre(App("app.tuple.app", 20)));
+}
+
+TEST_F(ProcTree, BetweenFullListingsEndedProcessesDropOutAndNewOnesWait) {
+    ProcRunningApplications apps({.identities = knownAppIdentities(),
+                                  .procRoot = root_.string(),
+                                  .rescanAfter = std::chrono::hours(1)});
+    add(30, "zoom");
+    add(40, "tuple");
+    EXPECT_THAT(apps.runningApplications(),
+                ElementsAre(App("us.zoom.xos", 30), App("app.tuple.app", 40)));
+    add(31, "zoom");
+    std::filesystem::remove_all(root_ / "30");
+    add(40, "tuple", 'Z'); // exited, not reaped yet
+    EXPECT_THAT(apps.runningApplications(), IsEmpty());
 }
 
 TEST_F(ProcTree, PutsProcessesWithAnAccessibleApplicationFirstOnlyWhenABundleHasSeveral) {

@@ -115,9 +115,13 @@ const AppIdentity* ProcRunningApplications::identify(ProcessId pid, const std::s
 
 std::vector<RunningApplication> ProcRunningApplications::runningApplications() const {
     const auto now = std::chrono::steady_clock::now();
-    if (!lastScan_ || now - *lastScan_ >= options_.reuseFor) {
+    if (!lastScan_ || now - *lastScan_ >= options_.rescanAfter) {
         lastListing_ = scan();
         lastScan_ = now;
+    } else {
+        std::erase_if(lastListing_, [this](const RunningApplication& app) {
+            return isDead(options_.procRoot + "/" + std::to_string(app.pid));
+        });
     }
     return lastListing_;
 }

@@ -17,11 +17,14 @@ namespace hg {
 // owned by the user whose name or Flatpak id is one of an AppIdentity's, with
 // that identity's bundle identifier. Other processes are not listed.
 //
-// Cost: the watcher asks once a second for each app it knows, so a listing
-// asked for again within `reuseFor` is the last one, and a process's name is
-// read when the process is new to the listing (by its /proc entry's time, so
-// a reused pid counts as new) and otherwise every eighth listing, in case the
-// process has run another program since.
+// Cost: the watcher asks once a second for each app it knows, and reading
+// every process of the machine is most of what it does while idle. So all of
+// /proc is read at most every `rescanAfter`; in between, the last listing is
+// given again without the processes that have ended since. A new process thus
+// shows up within `rescanAfter`, an ended one drops out at once. In a full
+// listing a process's name is read when the process is new to it (by its
+// /proc entry's time, so a reused pid counts as new), and otherwise every
+// eighth listing, in case the process has run another program since.
 //
 // Order: by process id, except that when one bundle identifier has several
 // processes (Zoom's launcher and Zoom itself), those that have registered
@@ -37,7 +40,7 @@ public:
         // The processes registered with the accessibility bus, asked only
         // when a bundle has more than one process. None: keep process order.
         std::function<std::vector<ProcessId>()> registeredProcesses{};
-        std::chrono::milliseconds reuseFor{50};
+        std::chrono::milliseconds rescanAfter{2000};
     };
 
     ProcRunningApplications();
