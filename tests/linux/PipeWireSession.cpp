@@ -50,7 +50,13 @@ std::unique_ptr<PipeWireSession> PipeWireSession::start(std::string& whyNot) {
         whyNot = "the virtual source did not become the default input";
         return nullptr;
     }
+    // Live, whatever wireplumber remembers of an earlier run.
+    setSourceMute(false);
     return server;
+}
+
+void PipeWireSession::removeSource() {
+    pactl({QStringLiteral("unload-module"), QStringLiteral("module-null-sink")});
 }
 
 std::unique_ptr<ChildProcess> PipeWireSession::record() {

@@ -34,6 +34,8 @@ public:
     // "yes" or "no", as pactl reads the default input's mute.
     static std::string sourceMute();
     static void setSourceMute(bool muted);
+    // Unplugs the virtual source.
+    static void removeSource();
 
     // To the PulseAudio server (pipewire-pulse).
     void signalPulseServer(int number) const { daemons_.back()->signal(number); }

@@ -56,6 +56,13 @@ TEST_F(RealMicrophone, TheBackendFollowsTheRecordingAndTheMuteAndSurvivesTheServ
     call.reset();
     EXPECT_TRUE(waitUntil([&] { return !mic.isInUse(); }));
 
+    // The input vanishes while recorded: the server falls back to a sink's
+    // monitor, which is no microphone.
+    call = Audio::record();
+    ASSERT_TRUE(waitUntil([&] { return mic.isInUse(); }));
+    Audio::removeSource();
+    EXPECT_TRUE(waitUntil([&] { return !mic.isInUse(); }));
+
     // The server hangs: the mute gives up, and the answers are "not
     // available" until it can be reached again.
     server_->signalPulseServer(SIGSTOP);
@@ -82,6 +89,8 @@ TEST_F(RealMicrophone, TheProgramMutesARecordingSourceOnlyWithTheSwitchOn) {
     const std::string log = DesktopSession::shared()->scratchDir() + "/hushgremlin.log";
     QSettings settings(QString::fromStdString(config + "/HushGremlin/HushGremlin.conf"),
                        QSettings::IniFormat);
+    settings.remove("muteMicrophoneInOtherApps");
+    settings.sync();
     Audio::setSourceMute(true);
     auto call = Audio::record();
 
