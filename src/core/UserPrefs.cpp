@@ -16,10 +16,6 @@ UserDefaults& withDefaultsStored(UserDefaults& defaults) {
     return defaults;
 }
 
-bool storedOr(const UserDefaults& defaults, std::string_view key, bool absent) {
-    return defaults.hasObject(key) ? defaults.boolForKey(key) : absent;
-}
-
 } // namespace
 
 UserPrefs::UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdatesCallback)
@@ -27,9 +23,9 @@ UserPrefs::UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdat
       checkForUpdatesCallback_(std::move(checkForUpdatesCallback)),
       muteOnJoinZoom_(objectWillChange_, defaults_.boolForKey(zoomKey)),
       muteOnJoinTuple_(objectWillChange_, defaults_.boolForKey(tupleKey)),
-      muteMicrophoneInOtherApps_(objectWillChange_, storedOr(defaults_, microphoneKey, false)),
-      muteOnJoinMicrophone_(objectWillChange_, storedOr(defaults_, microphoneMuteOnJoinKey, true)) {
-}
+      muteMicrophoneInOtherApps_(objectWillChange_, defaults_.boolForKey(microphoneKey)),
+      muteOnJoinMicrophone_(objectWillChange_, !defaults_.hasObject(microphoneMuteOnJoinKey) ||
+                                                   defaults_.boolForKey(microphoneMuteOnJoinKey)) {}
 
 void UserPrefs::setMuteOnJoinZoom(bool value) {
     muteOnJoinZoom_ = value;

@@ -22,8 +22,7 @@ public:
     static constexpr std::string_view microphoneMuteOnJoinKey = "muteOnJoin_Microphone";
 
     // Writes true for each of the Zoom and Tuple keys the store lacks, then
-    // reads every key. `defaults`
-    // must outlive this object.
+    // reads every key. `defaults` must outlive this object.
     UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdatesCallback);
     UserPrefs(const UserPrefs&) = delete;
     UserPrefs& operator=(const UserPrefs&) = delete;

@@ -46,7 +46,7 @@ void Watcher::addOptionalApp(std::string switchKey, std::shared_ptr<MeetingApp> 
 std::vector<std::shared_ptr<MeetingApp>> Watcher::polledApps() const {
     auto apps = meetingApps_;
     for (const auto& optional : optionalApps_) {
-        if (defaults_.hasObject(optional.switchKey) && defaults_.boolForKey(optional.switchKey)) {
+        if (defaults_.boolForKey(optional.switchKey)) {
             apps.push_back(optional.app);
         }
     }
