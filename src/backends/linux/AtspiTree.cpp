@@ -61,13 +61,22 @@ void AtspiTree::forgetWhenIdle() {
 }
 
 void AtspiTree::learn(const std::vector<AtspiObjectRef>& objects, unsigned need) {
+    std::vector<Wanted> wanted;
+    wanted.reserve(objects.size());
+    for (const auto& object : objects) {
+        wanted.push_back({object, need});
+    }
+    learn(wanted);
+}
+
+void AtspiTree::learn(const std::vector<Wanted>& wanted) {
     struct Asked {
         Key key;
         Ask ask;
     };
     std::vector<Asked> asked;
     std::vector<AtspiRequest> requests;
-    for (const auto& object : objects) {
+    for (const auto& [object, need] : wanted) {
         const Key key{object.service, object.path};
         Facts& facts = known_[key];
         const unsigned missing = need & ~facts.asked;
@@ -213,6 +222,12 @@ AXError AtspiTree::children(const AtspiObjectRef& object, std::vector<AtspiObjec
     }
     learn(unclear, needArea);
     out.clear();
+    if (menuBar) {
+        if (const auto remembered = menuBars_.find(object.service);
+            remembered != menuBars_.end() && remembered->second.bar.path == object.path) {
+            remembered->second.entries = listed;
+        }
+    }
     for (const auto& child : listed) {
         const Facts& childFacts = known_[Key{child.service, child.path}];
         if (menuBar) {
@@ -250,9 +265,16 @@ AXError AtspiTree::name(const AtspiObjectRef& object, QString& out) {
 AXError AtspiTree::menuBar(const AtspiObjectRef& application, AtspiObjectRef& out) {
     forgetWhenIdle();
     if (const auto known = menuBars_.find(application.service); known != menuBars_.end()) {
-        const Facts& bar = facts(known->second, needShape);
+        // The bar's entries of last time are asked for along with the bar:
+        // while they stay the same, a reading of the bar takes one round trip.
+        std::vector<Wanted> wanted{{known->second.bar, needShape}};
+        for (const auto& entry : known->second.entries) {
+            wanted.push_back({entry, needShape | needDetail});
+        }
+        learn(wanted);
+        const Facts& bar = known_[Key{known->second.bar.service, known->second.bar.path}];
         if (bar.roleError == ax::success && bar.role == atspiRole::menuBar) {
-            out = known->second;
+            out = known->second.bar;
             return ax::success;
         }
         menuBars_.erase(known);
@@ -262,7 +284,7 @@ AXError AtspiTree::menuBar(const AtspiObjectRef& application, AtspiObjectRef& ou
     }
     const AXError code = searchMenuBar(application, out);
     if (code == ax::success) {
-        menuBars_[application.service] = out;
+        menuBars_[application.service] = RememberedBar{out, {}};
     }
     return code;
 }

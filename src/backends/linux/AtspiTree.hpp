@@ -67,8 +67,13 @@ private:
         std::optional<bool> hasArea;
     };
 
+    struct Wanted {
+        AtspiObjectRef object;
+        unsigned need;
+    };
     // Asks what is not known yet of `objects`, in one round trip.
     void learn(const std::vector<AtspiObjectRef>& objects, unsigned need);
+    void learn(const std::vector<Wanted>& wanted);
     Facts& facts(const AtspiObjectRef& object, unsigned need);
     void store(const Key& key, Ask ask, const AtspiReply& reply);
     [[nodiscard]] bool hidden(const Facts& facts) const;
@@ -85,8 +90,13 @@ private:
     // Objects listed under a menu bar: its top-level menus. Kept across
     // walks, so that such a menu found again later is still one.
     std::set<Key> topLevel_;
-    // The menu bar found last, by application.
-    std::map<QString, AtspiObjectRef> menuBars_;
+    // The menu bar found last, by application, with its entries when last
+    // listed.
+    struct RememberedBar {
+        AtspiObjectRef bar;
+        std::vector<AtspiObjectRef> entries;
+    };
+    std::map<QString, RememberedBar> menuBars_;
     std::uint64_t rememberedGeneration_ = 0;
 };
 

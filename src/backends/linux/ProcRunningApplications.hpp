@@ -40,7 +40,7 @@ public:
         // The processes registered with the accessibility bus, asked only
         // when a bundle has more than one process. None: keep process order.
         std::function<std::vector<ProcessId>()> registeredProcesses{};
-        std::chrono::milliseconds rescanAfter{2000};
+        std::chrono::milliseconds rescanAfter{3000};
     };
 
     ProcRunningApplications();
