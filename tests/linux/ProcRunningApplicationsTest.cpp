@@ -96,7 +96,11 @@ TEST_F(ProcTree, ARecycledProcessIdIsLookedAtAfresh) {
     EXPECT_THAT(apps.runningApplications(), IsEmpty());
     add(20, "bwrap", 'S', "0::/user.slice/app-gnome-other-2.scope\n");
     EXPECT_THAT(apps.runningApplications(), IsEmpty());
-    add(20, "cat", 'S', "0::/app-flatpak-app.tuple.Tuple-3.scope\n");
+    // Between two listings, as a process that ends and one that starts with
+    // its pid: a new /proc entry.
+    add(21, "cat", 'S', "0::/app-flatpak-app.tuple.Tuple-3.scope\n");
+    std::filesystem::remove_all(root_ / "20");
+    std::filesystem::rename(root_ / "21", root_ / "20");
     EXPECT_THAT(apps.runningApplications(), ElementsAre(App("app.tuple.app", 20)));
 }
 

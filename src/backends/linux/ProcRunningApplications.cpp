@@ -129,7 +129,7 @@ std::vector<RunningApplication> ProcRunningApplications::runningApplications() c
 std::vector<RunningApplication> ProcRunningApplications::scan() const {
     ++scans_;
     std::vector<RunningApplication> found;
-    std::set<ProcessId> seen;
+    std::set<ProcessId> live;
     DIR* dir = ::opendir(options_.procRoot.c_str());
     if (dir == nullptr) {
         return found;
@@ -139,19 +139,22 @@ std::vector<RunningApplication> ProcRunningApplications::scan() const {
         if (!pid) {
             continue;
         }
+        live.insert(*pid);
         const std::string processDir = options_.procRoot + "/" + entry->d_name;
-        // /proc/PID belongs to the process's effective user.
-        struct stat info {};
-        if (::stat(processDir.c_str(), &info) != 0 || info.st_uid != uid_) {
-            continue;
-        }
-        seen.insert(*pid);
-        const std::int64_t since =
-            std::int64_t{info.st_ctim.tv_sec} * 1'000'000'000 + info.st_ctim.tv_nsec;
+        // A /proc entry made anew (a new process, perhaps with a reused pid)
+        // has another inode number: only then, and every eighth listing in
+        // case the process has run another program, is it looked at again.
         Seen& known = seen_[*pid];
         const bool recheck = (static_cast<std::uint64_t>(*pid) + scans_) % 8 == 0;
-        if (known.since != since || !known.name || recheck) {
-            known = Seen{since, processName(processDir)};
+        if (known.inode != entry->d_ino || recheck) {
+            if (known.inode != entry->d_ino) {
+                flatpakVerdicts_.erase(*pid);
+            }
+            // /proc/PID belongs to the process's effective user.
+            struct stat info {};
+            const bool ours =
+                ::fstatat(::dirfd(dir), entry->d_name, &info, 0) == 0 && info.st_uid == uid_;
+            known = Seen{entry->d_ino, ours ? processName(processDir) : std::nullopt};
         }
         if (!known.name) {
             continue;
@@ -164,8 +167,8 @@ std::vector<RunningApplication> ProcRunningApplications::scan() const {
     }
     ::closedir(dir);
     std::erase_if(flatpakVerdicts_,
-                  [&seen](const auto& entry) { return !seen.contains(entry.first); });
-    std::erase_if(seen_, [&seen](const auto& entry) { return !seen.contains(entry.first); });
+                  [&live](const auto& entry) { return !live.contains(entry.first); });
+    std::erase_if(seen_, [&live](const auto& entry) { return !live.contains(entry.first); });
 
     std::sort(
         found.begin(), found.end(),

@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <sys/types.h>
 #include <vector>
 
 namespace hg {
@@ -22,9 +23,10 @@ namespace hg {
 // /proc is read at most every `rescanAfter`; in between, the last listing is
 // given again without the processes that have ended since. A new process thus
 // shows up within `rescanAfter`, an ended one drops out at once. In a full
-// listing a process's name is read when the process is new to it (by its
-// /proc entry's time, so a reused pid counts as new), and otherwise every
-// eighth listing, in case the process has run another program since.
+// listing a process's owner and name are read when the process is new to it
+// (by its /proc entry's inode number, so a reused pid counts as new), and
+// otherwise every eighth listing, in case the process has run another
+// program since.
 //
 // Order: by process id, except that when one bundle identifier has several
 // processes (Zoom's launcher and Zoom itself), those that have registered
@@ -57,8 +59,8 @@ private:
 
     // What the last listings saw of a process of the user.
     struct Seen {
-        std::int64_t since = 0; // the /proc entry's change time, in ns
-        std::optional<std::string> name;
+        ino_t inode = 0;                 // of the /proc entry
+        std::optional<std::string> name; // none: not the user's, or gone
     };
 
     [[nodiscard]] const AppIdentity* identify(ProcessId pid, const std::string& processDir,
