@@ -56,20 +56,20 @@ TEST_F(RealMicrophone, TheBackendFollowsTheRecordingAndTheMuteAndSurvivesTheServ
     call.reset();
     EXPECT_TRUE(waitUntil([&] { return !mic.isInUse(); }));
 
+    // The server hangs while there is an input to mute: the mute gives up,
+    // and the answers are "not available" until the server answers again.
+    server_->signalPulseServer(SIGSTOP);
+    EXPECT_FALSE(mic.setMuted(true));
+    EXPECT_THAT(out.lines(), Contains("Microphone: lost the audio server (no answer in time)"));
+    EXPECT_FALSE(mic.isMuted().has_value());
+    server_->signalPulseServer(SIGCONT);
+
     // The input vanishes while recorded: the server falls back to a sink's
     // monitor, which is no microphone.
     call = Audio::record();
     ASSERT_TRUE(waitUntil([&] { return mic.isInUse(); }));
     Audio::removeSource();
     EXPECT_TRUE(waitUntil([&] { return !mic.isInUse(); }));
-
-    // The server hangs: the mute gives up, and the answers are "not
-    // available" until it can be reached again.
-    server_->signalPulseServer(SIGSTOP);
-    EXPECT_FALSE(mic.setMuted(true));
-    EXPECT_THAT(out.lines(), Contains("Microphone: lost the audio server (no answer in time)"));
-    EXPECT_FALSE(mic.isMuted().has_value());
-    server_->signalPulseServer(SIGCONT);
 
     // The server goes away: the answers say so, without a crash.
     server_->stop();
