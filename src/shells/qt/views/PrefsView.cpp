@@ -45,7 +45,10 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
         new LaunchAtLoginToggle(launchAtLogin, QStringLiteral("Start Hush Gremlin on login"), this),
         0, Qt::AlignHCenter);
     column->addWidget(makeDivider(this));
-    otherApps_ = new QCheckBox(QStringLiteral("Also mute the microphone in other call apps"), this);
+    // On two lines: on one, the switch alone would widen the window past 300.
+    otherApps_ =
+        new QCheckBox(QStringLiteral("Also mute the microphone\nin other call apps"), this);
+    otherApps_->setAccessibleName(QStringLiteral("Also mute the microphone in other call apps"));
     column->addWidget(otherApps_, 0, Qt::AlignHCenter);
 
     auto* muteOnJoin = new QVBoxLayout;
