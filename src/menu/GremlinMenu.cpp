@@ -55,15 +55,18 @@ std::string GremlinMenu::iconName(MeetingStatus status) {
 }
 
 std::string GremlinMenu::toolTip(MeetingStatus status, const std::string& appName) {
-    const std::string in = appName.empty() ? "" : " in " + appName;
+    // The system microphone is a device, not an app a call runs "in".
+    const bool microphone = appName == "Microphone";
+    const std::string in = appName.empty() || microphone ? "" : " in " + appName;
+    const std::string subject = microphone ? "microphone " : "";
     switch (status) {
     case MeetingStatus::notRunning:
     case MeetingStatus::noMeeting:
         return "Hush Gremlin: no meeting";
     case MeetingStatus::onMute:
-        return "Hush Gremlin: muted" + in;
+        return "Hush Gremlin: " + subject + "muted" + in;
     case MeetingStatus::offMute:
-        return "Hush Gremlin: live" + in;
+        return "Hush Gremlin: " + subject + "live" + in;
     case MeetingStatus::setupError:
         return "Hush Gremlin: setup required";
     case MeetingStatus::error:

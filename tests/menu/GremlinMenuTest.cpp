@@ -78,6 +78,7 @@ TEST(GremlinMenu, EachStatusGetsItsRowIconAndToolTip) {
         EXPECT_EQ(item.toolTip(), c.toolTip);
     }
     EXPECT_EQ(GremlinMenu::toolTip(S::onMute, ""), "Hush Gremlin: muted");
+    EXPECT_EQ(GremlinMenu::toolTip(S::offMute, "Microphone"), "Hush Gremlin: microphone live");
 }
 
 TEST(GremlinMenu, UpdateRowAppearsFromTheNextRebuild) {
