@@ -73,8 +73,15 @@ TEST_F(AtspiTrust, FollowsTheDesktopSwitchAndOnlyThePromptTurnsItOn) {
     EXPECT_EQ(switch_.isEnabled(), true);
     EXPECT_TRUE(ax.isProcessTrusted(false));
 
+    // Once read, the switch is followed by its change signal: asking again
+    // costs no round trip, and a change made elsewhere still shows.
+    const auto trips = ax.roundTrips();
+    EXPECT_TRUE(ax.isProcessTrusted(false));
+    EXPECT_EQ(ax.roundTrips(), trips);
     ASSERT_TRUE(switch_.setEnabled(false));
-    EXPECT_FALSE(ax.isProcessTrusted(false));
+    EXPECT_TRUE(waitUntil([&] { return !ax.isProcessTrusted(false); }));
+    ASSERT_TRUE(switch_.setEnabled(true));
+    EXPECT_TRUE(waitUntil([&] { return ax.isProcessTrusted(false); }));
 }
 
 TEST_F(AtspiTrust, AnUnreachableBusIsDisabledAccessibilityAndNeverPrompts) {

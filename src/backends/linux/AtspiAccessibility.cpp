@@ -36,11 +36,22 @@ bool AtspiAccessibility::isProcessTrusted(bool prompt) {
     if (!bus_.connect()) {
         return false;
     }
-    if (alwaysOn_ || bus_.isEnabled().value_or(false)) {
+    if (alwaysOn_) {
         return true;
     }
-    if (prompt) {
-        bus_.setEnabled(true);
+    std::optional<bool> enabled;
+    if (switch_.start()) {
+        enabled = switch_.known();
+    }
+    if (!enabled) {
+        enabled = bus_.isEnabled();
+        switch_.remember(enabled);
+    }
+    if (enabled.value_or(false)) {
+        return true;
+    }
+    if (prompt && bus_.setEnabled(true)) {
+        switch_.remember(true);
     }
     return false;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "backends/linux/AtspiBus.hpp"
+#include "backends/linux/AtspiSwitchWatch.hpp"
 #include "backends/linux/AtspiTree.hpp"
 #include "ports/Accessibility.hpp"
 
@@ -36,7 +37,9 @@ struct AtspiObjectRef;
 // also starts the inspected applications with it so that they register
 // without the switch. Asking with a prompt turns the switch on (applications
 // started before that have to be restarted to appear); the answer is still
-// the one from before, as the permission dialog's would be.
+// the one from before, as the permission dialog's would be. The switch is
+// read once and then followed by its change signal, which the main thread's
+// event loop delivers.
 //
 // Main thread only; blocking calls, no event loop runs inside them.
 class AtspiAccessibility final : public Accessibility {
@@ -88,6 +91,7 @@ private:
     AtspiBus bus_;
     AtspiTree tree_{bus_};
     bool alwaysOn_;
+    AtspiSwitchWatch switch_;
     // How many actions the elements pressed so far offer: a later press of
     // the same element needs no question before the action.
     std::map<std::pair<QString, QString>, int> actionCounts_;
