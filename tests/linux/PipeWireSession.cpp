@@ -38,16 +38,26 @@ std::unique_ptr<PipeWireSession> PipeWireSession::start(std::string& whyNot) {
         whyNot = "PipeWire's PulseAudio server did not answer (see " + logs + "*.log)";
         return nullptr;
     }
-    pactl({QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
-           QStringLiteral("media.class=Audio/Source/Virtual"),
-           QStringLiteral("sink_name=") + QString::fromLatin1(source),
-           QStringLiteral("channel_map=mono")});
-    const bool isDefault = waitUntil([] {
+    // On a busy machine the server may answer before it can load modules:
+    // the source is loaded again until it is there.
+    const auto listed = [](const char* what) {
+        return pactl({QStringLiteral("list"), QStringLiteral("short"), QString::fromLatin1(what)})
+            .value_or("(unreadable)");
+    };
+    const bool isDefault = waitUntil([&] {
+        if (listed("modules").find("module-null-sink") == std::string::npos) {
+            pactl({QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
+                   QStringLiteral("media.class=Audio/Source/Virtual"),
+                   QStringLiteral("sink_name=") + QString::fromLatin1(source),
+                   QStringLiteral("channel_map=mono")});
+        }
         pactl({QStringLiteral("set-default-source"), QString::fromLatin1(source)});
         return pactl({QStringLiteral("get-default-source")}) == std::string(source);
     });
     if (!isDefault) {
-        whyNot = "the virtual source did not become the default input";
+        whyNot =
+            "the virtual source did not become the default input; sources: " + listed("sources") +
+            "; logs: " + logs + "*.log";
         return nullptr;
     }
     // Live, whatever wireplumber remembers of an earlier run.
