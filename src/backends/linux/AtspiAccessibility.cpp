@@ -2,6 +2,7 @@
 
 #include "backends/linux/AtspiElement.hpp"
 #include "backends/linux/AtspiErrors.hpp"
+#include "backends/linux/AtspiNames.hpp"
 #include "backends/linux/AtspiReplies.hpp"
 #include "backends/linux/AtspiRoles.hpp"
 
@@ -10,11 +11,6 @@
 namespace hg {
 
 namespace {
-
-const QString registryService = QStringLiteral("org.a11y.atspi.Registry");
-const QString rootPath = QStringLiteral("/org/a11y/atspi/accessible/root");
-const QString accessibleInterface = QStringLiteral("org.a11y.atspi.Accessible");
-const QString actionInterface = QStringLiteral("org.a11y.atspi.Action");
 
 AXError failureCode(const char* name) {
     return axErrorFor(QLatin1String(name));
@@ -97,7 +93,8 @@ std::optional<ProcessId> AtspiAccessibility::processOf(const QString& service) c
 
 AXError AtspiAccessibility::applications(std::vector<AtspiObjectRef>& out) {
     const AtspiReply reply =
-        bus_.call(registryService, rootPath, accessibleInterface, QStringLiteral("GetChildren"));
+        bus_.call(atspiName::registryService, atspiName::rootPath, atspiName::accessibleInterface,
+                  QStringLiteral("GetChildren"));
     if (reply.error != ax::success) {
         return reply.error;
     }
@@ -292,14 +289,15 @@ AXError AtspiAccessibility::press(const AtspiElement& element) {
     const std::pair<QString, QString> key{service, path};
     const bool countKnown = actionCounts_.contains(key);
     const AtspiRequest doAction{
-        service, path, actionInterface, QStringLiteral("DoAction"), {QVariant(0)}};
+        service, path, atspiName::actionInterface, QStringLiteral("DoAction"), {QVariant(0)}};
     // An element pressed before is asked for its state and pressed in one
     // round trip. The application answers in order, so the state is the one
     // the press met; a disabled item ignores the press in every toolkit.
     std::vector<AtspiReply> replies = bus_.callAll({
-        {service, path, accessibleInterface, QStringLiteral("GetState")},
-        countKnown ? doAction
-                   : AtspiRequest{service, path, actionInterface, QStringLiteral("GetActions")},
+        {service, path, atspiName::accessibleInterface, QStringLiteral("GetState")},
+        countKnown
+            ? doAction
+            : AtspiRequest{service, path, atspiName::actionInterface, QStringLiteral("GetActions")},
     });
     const AtspiReply& state = replies[0];
     if (state.error != ax::success) {

@@ -1,6 +1,7 @@
 #include "backends/linux/AtspiBus.hpp"
 
 #include "backends/linux/AtspiErrors.hpp"
+#include "backends/linux/AtspiNames.hpp"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -11,11 +12,6 @@
 namespace hg {
 
 namespace {
-
-const QString a11yBusService = QStringLiteral("org.a11y.Bus");
-const QString a11yBusPath = QStringLiteral("/org/a11y/bus");
-const QString statusInterface = QStringLiteral("org.a11y.Status");
-const QString propertiesInterface = QStringLiteral("org.freedesktop.DBus.Properties");
 
 QString uniqueConnectionName() {
     static std::atomic<int> counter{0};
@@ -51,8 +47,9 @@ std::optional<QString> AtspiBus::busAddress() {
     if (!session.isConnected()) {
         return std::nullopt;
     }
-    const QDBusMessage request = QDBusMessage::createMethodCall(
-        a11yBusService, a11yBusPath, a11yBusService, QStringLiteral("GetAddress"));
+    const QDBusMessage request =
+        QDBusMessage::createMethodCall(atspiName::launcherService, atspiName::launcherPath,
+                                       atspiName::launcherService, QStringLiteral("GetAddress"));
     ++roundTrips_;
     ++messages_;
     const QDBusMessage reply =
@@ -138,7 +135,7 @@ AtspiRequest AtspiBus::propertyRequest(const QString& service, const QString& pa
                                        const QString& interface, const QString& name) {
     return AtspiRequest{service,
                         path,
-                        propertiesInterface,
+                        atspiName::propertiesInterface,
                         QStringLiteral("Get"),
                         {QVariant(interface), QVariant(name)}};
 }
@@ -166,9 +163,10 @@ std::optional<bool> AtspiBus::isEnabled() {
     if (!session.isConnected()) {
         return std::nullopt;
     }
-    QDBusMessage request = QDBusMessage::createMethodCall(
-        a11yBusService, a11yBusPath, propertiesInterface, QStringLiteral("Get"));
-    request.setArguments({statusInterface, QStringLiteral("IsEnabled")});
+    QDBusMessage request =
+        QDBusMessage::createMethodCall(atspiName::launcherService, atspiName::launcherPath,
+                                       atspiName::propertiesInterface, QStringLiteral("Get"));
+    request.setArguments({atspiName::statusInterface, atspiName::isEnabled});
     ++roundTrips_;
     ++messages_;
     const QDBusMessage reply =
@@ -188,10 +186,11 @@ bool AtspiBus::setEnabled(bool enabled) {
     if (!session.isConnected()) {
         return false;
     }
-    QDBusMessage request = QDBusMessage::createMethodCall(
-        a11yBusService, a11yBusPath, propertiesInterface, QStringLiteral("Set"));
-    request.setArguments(
-        {statusInterface, QStringLiteral("IsEnabled"), QVariant::fromValue(QDBusVariant(enabled))});
+    QDBusMessage request =
+        QDBusMessage::createMethodCall(atspiName::launcherService, atspiName::launcherPath,
+                                       atspiName::propertiesInterface, QStringLiteral("Set"));
+    request.setArguments({atspiName::statusInterface, atspiName::isEnabled,
+                          QVariant::fromValue(QDBusVariant(enabled))});
     ++roundTrips_;
     ++messages_;
     const QDBusMessage reply =

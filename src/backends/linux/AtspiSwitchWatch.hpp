@@ -5,8 +5,6 @@
 #include <QVariantMap>
 #include <optional>
 
-class QDBusServiceWatcher;
-
 namespace hg {
 
 // Remembers the desktop's accessibility switch (org.a11y.Status.IsEnabled)
@@ -22,9 +20,6 @@ class AtspiSwitchWatch : public QObject {
     Q_OBJECT
 
 public:
-    AtspiSwitchWatch();
-    ~AtspiSwitchWatch() override;
-
     // Subscribes on the session bus; true once subscribed (then at once).
     // Subscribe before reading the value the first time, so that no change
     // falls between the reading and the subscription.
@@ -42,7 +37,6 @@ private slots:
 private:
     bool subscribed_ = false;
     std::optional<bool> known_;
-    QDBusServiceWatcher* owner_ = nullptr;
 };
 
 } // namespace hg

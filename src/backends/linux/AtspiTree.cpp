@@ -1,6 +1,7 @@
 #include "backends/linux/AtspiTree.hpp"
 
 #include "backends/linux/AtspiErrors.hpp"
+#include "backends/linux/AtspiNames.hpp"
 #include "backends/linux/AtspiRoles.hpp"
 
 #include <algorithm>
@@ -8,9 +9,6 @@
 namespace hg {
 
 namespace {
-
-const QString accessibleInterface = QStringLiteral("org.a11y.atspi.Accessible");
-const QString componentInterface = QStringLiteral("org.a11y.atspi.Component");
 
 // ATSPI_COORD_TYPE_WINDOW: any frame of reference tells an empty area.
 constexpr unsigned windowCoordinates = 1;
@@ -100,18 +98,21 @@ void AtspiTree::learn(const std::vector<Wanted>& wanted) {
             requests.push_back(std::move(request));
         };
         if ((missing & needShape) != 0) {
-            ask(askRole, {service, path, accessibleInterface, QStringLiteral("GetRole")});
-            ask(askChildren, {service, path, accessibleInterface, QStringLiteral("GetChildren")});
+            ask(askRole,
+                {service, path, atspiName::accessibleInterface, QStringLiteral("GetRole")});
+            ask(askChildren,
+                {service, path, atspiName::accessibleInterface, QStringLiteral("GetChildren")});
         }
         if ((missing & needDetail) != 0) {
-            ask(askName, AtspiBus::propertyRequest(service, path, accessibleInterface,
+            ask(askName, AtspiBus::propertyRequest(service, path, atspiName::accessibleInterface,
                                                    QStringLiteral("Name")));
-            ask(askStates, {service, path, accessibleInterface, QStringLiteral("GetState")});
+            ask(askStates,
+                {service, path, atspiName::accessibleInterface, QStringLiteral("GetState")});
         }
         if ((missing & needArea) != 0) {
             ask(askArea, {service,
                           path,
-                          componentInterface,
+                          atspiName::componentInterface,
                           QStringLiteral("GetExtents"),
                           {QVariant(windowCoordinates)}});
         }
