@@ -21,6 +21,7 @@
 #include <fcntl.h>
 #include <string>
 #include <sys/prctl.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace {
@@ -65,84 +66,29 @@ private:
     std::size_t at_ = 0;
 };
 
-// Structures of the shapes the readers expect, and near misses.
-struct So {
-    QString s;
-    QDBusObjectPath o;
-};
-struct Ss {
-    QString a, b;
-};
-struct Sss {
-    QString a, b, c;
-};
-struct Iiii {
-    int x = 0, y = 0, w = 0, h = 0;
-};
-struct Ii {
-    int a = 0, b = 0;
-};
+// A D-Bus structure of the given member types.
+template <typename... T> struct Structure { std::tuple<T...> members; };
 
-QDBusArgument& operator<<(QDBusArgument& arg, const So& v) {
+template <typename... T> QDBusArgument& operator<<(QDBusArgument& arg, const Structure<T...>& v) {
     arg.beginStructure();
-    arg << v.s << v.o;
+    std::apply([&arg](const T&... member) { (arg << ... << member); }, v.members);
     arg.endStructure();
     return arg;
 }
-const QDBusArgument& operator>>(const QDBusArgument& arg, So& v) {
+template <typename... T>
+const QDBusArgument& operator>>(const QDBusArgument& arg, Structure<T...>& v) {
     arg.beginStructure();
-    arg >> v.s >> v.o;
+    std::apply([&arg](T&... member) { (arg >> ... >> member); }, v.members);
     arg.endStructure();
     return arg;
 }
-QDBusArgument& operator<<(QDBusArgument& arg, const Ss& v) {
-    arg.beginStructure();
-    arg << v.a << v.b;
-    arg.endStructure();
-    return arg;
-}
-const QDBusArgument& operator>>(const QDBusArgument& arg, Ss& v) {
-    arg.beginStructure();
-    arg >> v.a >> v.b;
-    arg.endStructure();
-    return arg;
-}
-QDBusArgument& operator<<(QDBusArgument& arg, const Sss& v) {
-    arg.beginStructure();
-    arg << v.a << v.b << v.c;
-    arg.endStructure();
-    return arg;
-}
-const QDBusArgument& operator>>(const QDBusArgument& arg, Sss& v) {
-    arg.beginStructure();
-    arg >> v.a >> v.b >> v.c;
-    arg.endStructure();
-    return arg;
-}
-QDBusArgument& operator<<(QDBusArgument& arg, const Iiii& v) {
-    arg.beginStructure();
-    arg << v.x << v.y << v.w << v.h;
-    arg.endStructure();
-    return arg;
-}
-const QDBusArgument& operator>>(const QDBusArgument& arg, Iiii& v) {
-    arg.beginStructure();
-    arg >> v.x >> v.y >> v.w >> v.h;
-    arg.endStructure();
-    return arg;
-}
-QDBusArgument& operator<<(QDBusArgument& arg, const Ii& v) {
-    arg.beginStructure();
-    arg << v.a << v.b;
-    arg.endStructure();
-    return arg;
-}
-const QDBusArgument& operator>>(const QDBusArgument& arg, Ii& v) {
-    arg.beginStructure();
-    arg >> v.a >> v.b;
-    arg.endStructure();
-    return arg;
-}
+
+// The shapes the readers expect, and near misses.
+using So = Structure<QString, QDBusObjectPath>;
+using Ss = Structure<QString, QString>;
+using Sss = Structure<QString, QString, QString>;
+using Iiii = Structure<int, int, int, int>;
+using Ii = Structure<int, int>;
 
 } // namespace
 
@@ -166,21 +112,21 @@ template <typename T> QVariant listOf(Bytes& in, T (*make)(Bytes&)) {
 QVariant value(Bytes& in) {
     switch (in.byte() % 12) {
     case 0:
-        return listOf<So>(in, [](Bytes& b) { return So{b.text(), b.path()}; });
+        return listOf<So>(in, [](Bytes& b) { return So{{b.text(), b.path()}}; });
     case 1:
-        return listOf<Ss>(in, [](Bytes& b) { return Ss{b.text(), b.text()}; });
+        return listOf<Ss>(in, [](Bytes& b) { return Ss{{b.text(), b.text()}}; });
     case 2:
         return listOf<uint>(in, [](Bytes& b) { return uint{b.word()}; });
     case 3:
         return listOf<int>(in, [](Bytes& b) { return static_cast<int>(b.word()); });
     case 4:
-        return listOf<Sss>(in, [](Bytes& b) { return Sss{b.text(), b.text(), b.text()}; });
+        return listOf<Sss>(in, [](Bytes& b) { return Sss{{b.text(), b.text(), b.text()}}; });
     case 5: {
         const auto word = [&in] { return static_cast<int>(in.word()); };
-        return QVariant::fromValue(Iiii{word(), word(), word(), word()});
+        return QVariant::fromValue(Iiii{{word(), word(), word(), word()}});
     }
     case 6:
-        return QVariant::fromValue(Ii{static_cast<int>(in.word()), static_cast<int>(in.word())});
+        return QVariant::fromValue(Ii{{static_cast<int>(in.word()), static_cast<int>(in.word())}});
     case 7:
         return listOf<QString>(in, [](Bytes& b) { return b.text(); });
     case 8:
