@@ -4,6 +4,9 @@
 #include "ports/LineSink.hpp"
 #include "ports/Microphone.hpp"
 
+#include <string>
+#include <string_view>
+
 namespace hg {
 
 // Any call app the program cannot read (a browser call, a chat app), seen
@@ -18,7 +21,8 @@ class MicrophoneMeetingApp final : public MeetingApp {
 public:
     MicrophoneMeetingApp(Microphone& microphone, LineSink& out);
 
-    [[nodiscard]] std::string name() const override { return "Microphone"; }
+    static constexpr std::string_view appName = "Microphone";
+    [[nodiscard]] std::string name() const override { return std::string(appName); }
 
     // notRunning while nothing records; onMute or offMute from the input's
     // mute; error when the mute cannot be read.

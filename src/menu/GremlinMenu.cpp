@@ -1,5 +1,7 @@
 #include "menu/GremlinMenu.hpp"
 
+#include "apps/MicrophoneMeetingApp.hpp"
+
 #include <utility>
 
 namespace hg {
@@ -56,7 +58,7 @@ std::string GremlinMenu::iconName(MeetingStatus status) {
 
 std::string GremlinMenu::toolTip(MeetingStatus status, const std::string& appName) {
     // The system microphone is a device, not an app a call runs "in".
-    const bool microphone = appName == "Microphone";
+    const bool microphone = appName == MicrophoneMeetingApp::appName;
     const std::string in = appName.empty() || microphone ? "" : " in " + appName;
     const std::string subject = microphone ? "microphone " : "";
     switch (status) {
