@@ -112,6 +112,9 @@ void AppDelegate::setupBinding() {
                                                          platform_.out);
     monitor->onDown = [this] { shortcutDown(); };
     monitor->onUp = [this] { shortcutUp(); };
+    monitor->isTrusted = [&accessibility = platform_.accessibility] {
+        return accessibility.isProcessTrusted(false);
+    };
     monitor->start();
     hotkeyMonitor_ = std::move(monitor);
 

@@ -38,7 +38,7 @@ void GlobalHotkeyMonitor::stop() {
 
 TapDecision GlobalHotkeyMonitor::handleTapEvent(const TapEvent& event) {
     if (event.type == tapevent::disabledByTimeout || event.type == tapevent::disabledByUserInput) {
-        if (running_) {
+        if (running_ && (!isTrusted || isTrusted())) {
             eventTap_.setEnabled(true);
         }
         return TapDecision::pass;
@@ -94,9 +94,7 @@ TapDecision GlobalHotkeyMonitor::handlePress(std::uint16_t keyCode, std::uint64_
         return TapDecision::pass;
     }
     downHotkey_ = Hotkey{matchedKeyCode, stored.modifiers};
-    if (onDown) {
-        onDown();
-    }
+    runAfterDecision(onDown);
     return TapDecision::remove;
 }
 
@@ -117,10 +115,19 @@ TapDecision GlobalHotkeyMonitor::handleRelease(std::uint16_t keyCode) {
         return TapDecision::pass;
     }
     downHotkey_.reset();
-    if (onUp) {
-        onUp();
-    }
+    runAfterDecision(onUp);
     return TapDecision::remove;
+}
+
+void GlobalHotkeyMonitor::runAfterDecision(const std::function<void()>& action) {
+    if (!action) {
+        return;
+    }
+    eventTap_.runAfterCallback([alive = std::weak_ptr<bool>(alive_), action] {
+        if (alive.lock()) {
+            action();
+        }
+    });
 }
 
 } // namespace hg
