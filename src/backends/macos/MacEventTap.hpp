@@ -34,7 +34,7 @@ private:
 
 // The TapEvent of a Core Graphics event of `type` (`cgEvent` is a CGEventRef).
 // The two tap-disabled notifications carry no keyboard fields and give only
-// their type.
+// their type. Navigation keys lose the function flag (NavigationKeyFlags.hpp).
 [[nodiscard]] TapEvent tapEventFromCGEvent(std::uint32_t type, const void* cgEvent);
 
 } // namespace hg

@@ -1,6 +1,7 @@
 #include "backends/macos/MacEventTap.hpp"
 
 #include "backends/macos/CFRef.hpp"
+#include "backends/macos/NavigationKeyFlags.hpp"
 
 #import <ApplicationServices/ApplicationServices.h>
 #include <dispatch/dispatch.h>
@@ -49,6 +50,9 @@ TapEvent tapEventFromCGEvent(std::uint32_t type, const void* cgEvent) {
     out.keyCode = CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode);
     out.autorepeat = CGEventGetIntegerValueField(event, kCGKeyboardEventAutorepeat);
     out.flags = CGEventGetFlags(event);
+    if (type == kCGEventKeyDown || type == kCGEventKeyUp) {
+        out.flags = keyEventModifierFlags(out.keyCode, out.flags);
+    }
     return out;
 }
 
