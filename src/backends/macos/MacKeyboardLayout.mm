@@ -8,7 +8,9 @@
 namespace hg {
 
 std::optional<std::string> MacKeyboardLayout::displayText(std::uint16_t keyCode) const {
-    const auto source = CFRef<TISInputSourceRef>::adopt(TISCopyCurrentKeyboardInputSource());
+    // The keyboard layout in use, also under an input method (Japanese,
+    // Chinese), whose own input source carries no layout data.
+    const auto source = CFRef<TISInputSourceRef>::adopt(TISCopyCurrentKeyboardLayoutInputSource());
     if (!source) {
         return std::nullopt;
     }
