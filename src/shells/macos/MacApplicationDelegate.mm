@@ -3,9 +3,9 @@
 #include "app/AppDelegate.hpp"
 #include "shells/macos/MacPlatform.hpp"
 #include "shells/macos/SparkleUpdater.hpp"
+#include "shells/macos/TerminateOnSignal.hpp"
 
 #import <AppKit/AppKit.h>
-
 #include <memory>
 
 // The NSApplication's delegate: owns the platform and the application built on
@@ -19,6 +19,9 @@
 @implementation HGApplicationDelegate {
     std::unique_ptr<hg::MacPlatform> _platform;
     std::unique_ptr<hg::AppDelegate> _application;
+    // Held for the life of the process: App Nap would otherwise coalesce the
+    // one-second tick of a menu-bar program with no window open.
+    id<NSObject> _tickActivity;
 }
 
 - (instancetype)init {
@@ -31,14 +34,19 @@
 }
 
 - (void)dealloc {
-    // The application refers to the platform's status item and windows: it
-    // goes first.
+    // The windows' views refer to the application's objects, and the
+    // application to the platform's status item: windows, then application,
+    // then the rest of the platform.
+    _platform->destroyWindows();
     _application.reset();
     _platform.reset();
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {
     (void)notification;
+    _tickActivity = [NSProcessInfo.processInfo
+        beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
+                          reason:@"Follows the meeting's mute state once a second"];
     _application->startUp();
 }
 
@@ -67,6 +75,7 @@ int runApplication(int argc, char** argv) {
     (void)argv;
     @autoreleasepool {
         [NSApplication sharedApplication];
+        const hg::mac::TerminateOnSignal terminateOnSignal;
         // NSApplication holds its delegate weakly: this reference keeps it for
         // the life of the event loop.
         HGApplicationDelegate* delegate NS_VALID_UNTIL_END_OF_SCOPE =
