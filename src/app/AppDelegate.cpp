@@ -255,8 +255,8 @@ void AppDelegate::showPrefsWindow(std::string notice) {
 
 void AppDelegate::showAboutWindow() {
     if (!aboutWindow_) {
-        aboutWindow_ = platform_.windows.create(
-            windowtable::about.description(AboutContent{applicationVersion()}));
+        aboutWindow_ = platform_.windows.create(windowtable::about.description(
+            AboutContent{platform_.application.packageVersion().value_or(applicationVersion())}));
     }
     bringForward(*aboutWindow_);
 }

@@ -100,7 +100,8 @@ public:
     [[nodiscard]] std::optional<WindowId> aboutWindow() const { return aboutWindow_; }
     [[nodiscard]] std::optional<WindowId> debugWindow() const { return debugWindow_; }
 
-    // The version shown in the About window; "?" when the build has none.
+    // The build's version, shown in the About window where the platform's
+    // package declares none; "?" when the build has none either.
     [[nodiscard]] static std::string applicationVersion();
 
 private:
