@@ -233,8 +233,8 @@ void AppDelegate::showSetupWindow(MeetingApp& app) {
 void AppDelegate::showPrefsWindow(std::string notice) {
     if (!prefsWindow_) {
         Updater& updater = platform_.updater;
-        userPrefs_ = std::make_unique<UserPrefs>(platform_.defaults,
-                                                 [&updater] { updater.checkForUpdates(); });
+        userPrefs_ = std::make_unique<UserPrefs>(
+            platform_.defaults, [&updater] { updater.checkForUpdates(); }, updater.offReason());
         hotkeyRecorder_ = std::make_unique<HotkeyRecorder>(
             platform_.defaults, platform_.keyboardLayout, platform_.localKeyMonitor);
         launchAtLogin_ =

@@ -86,6 +86,10 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
     NSButton* update = [NSButton buttonWithTitle:@"Check For Updates..."
                                           target:self
                                           action:@selector(checkForUpdates:)];
+    if (const auto& off = _prefs->updatesOffReason()) {
+        update.enabled = NO;
+        update.toolTip = @(off->c_str());
+    }
     NSButton* about = [NSButton buttonWithTitle:@"About..."
                                          target:self
                                          action:@selector(showAbout:)];
