@@ -11,6 +11,7 @@
 #include "core/Watcher.hpp"
 #include "hotkey/DoubleTap.hpp"
 #include "hotkey/GlobalHotkeyMonitor.hpp"
+#include "hotkey/GlobeKeyNote.hpp"
 #include "hotkey/HotkeyRecorder.hpp"
 #include "menu/GremlinMenu.hpp"
 
@@ -196,12 +197,14 @@ void AppDelegate::showAXSetupWindow() {
     if (!axSetupWindow_) {
         const std::weak_ptr<AppDelegate*> weakSelf = self_;
         Accessibility& accessibility = platform_.accessibility;
-        AccessibilitySetupContent content{[weakSelf, &accessibility] {
-            (void)accessibility.isProcessTrusted(true);
-            if (const auto self = weakSelf.lock(); self && (*self)->axSetupWindow_) {
-                (*self)->platform_.windows.close(*(*self)->axSetupWindow_);
-            }
-        }};
+        AccessibilitySetupContent content{
+            [weakSelf, &accessibility] {
+                (void)accessibility.isProcessTrusted(true);
+                if (const auto self = weakSelf.lock(); self && (*self)->axSetupWindow_) {
+                    (*self)->platform_.windows.close(*(*self)->axSetupWindow_);
+                }
+            },
+            globeKeyNote(Hotkey::load(platform_.defaults), platform_.keyboardLayout).value_or("")};
         axSetupWindow_ = platform_.windows.create(
             windowtable::accessibilitySetup.description(std::move(content)));
     }

@@ -23,6 +23,8 @@
 #include "backends/fake/FakeUserDefaults.hpp"
 #include "backends/fake/FakeWindows.hpp"
 #include "core/UserData.hpp"
+#include "core/UserPrefs.hpp"
+#include "hotkey/GlobeKeyNote.hpp"
 #include "hotkey/HotkeyRecorder.hpp"
 
 #include <gtest/gtest.h>
@@ -123,6 +125,42 @@ TEST_F(AppDelegateTest, PreferencesLeadToTheAboutWindowWithTheVersion) {
     EXPECT_EQ(windows.frontOrder().front(), *app.aboutWindow());
     EXPECT_EQ(std::get<AboutContent>(window(app.aboutWindow()).description.content).version,
               HG_VERSION);
+
+    // A bundle's own version wins over the one built in.
+    application.packageVersionText = "7.1.2";
+    AppDelegate bundled(platform);
+    bundled.startUp();
+    bundled.showAboutWindow();
+    EXPECT_EQ(std::get<AboutContent>(window(bundled.aboutWindow()).description.content).version,
+              "7.1.2");
+}
+
+TEST_F(AppDelegateTest, TheAccessibilityWindowWarnsOfTheGlobeKeyOnlyWhenItActsOnTheShortcut) {
+    layout.globeKeyActs = true;
+    launch(false);
+    EXPECT_EQ(std::get<AccessibilitySetupContent>(window(app.axSetupWindow()).description.content)
+                  .globeKeyNote,
+              globeKeyNoteText);
+
+    Hotkey{40, modifier::command}.save(defaults);
+    AppDelegate commandK(platform);
+    commandK.startUp();
+    EXPECT_EQ(
+        std::get<AccessibilitySetupContent>(window(commandK.axSetupWindow()).description.content)
+            .globeKeyNote,
+        "");
+}
+
+TEST_F(AppDelegateTest, WithUpdatesOffPreferencesSayWhyInsteadOfChecking) {
+    launch(true);
+    app.showPrefsWindow();
+    EXPECT_EQ(app.userPrefs()->updatesOffReason(), std::nullopt);
+
+    updater.off = "Updates are off: no update feed is set";
+    AppDelegate off(platform);
+    off.startUp();
+    off.showPrefsWindow();
+    EXPECT_EQ(off.userPrefs()->updatesOffReason(), updater.off);
 }
 
 TEST_F(AppDelegateTest, WithoutFnTheFirstStartAloneAsksForAShortcut) {

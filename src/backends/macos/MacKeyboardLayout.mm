@@ -41,4 +41,17 @@ std::optional<std::string> MacKeyboardLayout::displayText(std::uint16_t keyCode)
     }
 }
 
+bool MacKeyboardLayout::systemActsOnFunctionKey() const {
+    const auto usage = CFRef<CFTypeRef>::adopt(
+        CFPreferencesCopyAppValue(CFSTR("AppleFnUsageType"), CFSTR("com.apple.HIToolbox")));
+    if (!usage || CFGetTypeID(usage.get()) != CFNumberGetTypeID()) {
+        return true;
+    }
+    int value = 0;
+    if (!CFNumberGetValue((CFNumberRef)usage.get(), kCFNumberIntType, &value)) {
+        return true;
+    }
+    return value != 0; // 0: Do Nothing
+}
+
 } // namespace hg
