@@ -16,7 +16,7 @@ namespace hg {
 
 namespace {
 
-NSString* _Nullable sparklePath() {
+NSString* sparklePath() {
     NSString* frameworks = NSBundle.mainBundle.privateFrameworksPath;
     return frameworks != nil ? [frameworks stringByAppendingPathComponent:@"Sparkle.framework"]
                              : nil;
