@@ -35,8 +35,8 @@ TEST(MacEventTapTest, ReadsTheKeyboardFieldsOfAnEvent) {
 // function keys keep the flag as a modifier.
 TEST(MacEventTapTest, TheFunctionFlagOfNavigationKeysIsNoModifier) {
     for (const auto& [keyCode, keepsFn] :
-         {std::pair{124, false}, std::pair{115, false}, std::pair{117, false},
-          std::pair{105, true}, std::pair{122, true}}) {
+         {std::pair{124, false}, std::pair{115, false}, std::pair{117, false}, std::pair{105, true},
+          std::pair{122, true}}) {
         SCOPED_TRACE(keyCode);
         const auto event = CFRef<CGEventRef>::adopt(
             CGEventCreateKeyboardEvent(nullptr, static_cast<CGKeyCode>(keyCode), true));
@@ -49,8 +49,7 @@ TEST(MacEventTapTest, TheFunctionFlagOfNavigationKeysIsNoModifier) {
 }
 
 TEST(MacKeyboardLayoutTest, NamesKeysOnTheUSLayout) {
-    const auto source =
-        CFRef<TISInputSourceRef>::adopt(TISCopyCurrentKeyboardLayoutInputSource());
+    const auto source = CFRef<TISInputSourceRef>::adopt(TISCopyCurrentKeyboardLayoutInputSource());
     NSString* name =
         source
             ? (__bridge NSString*)TISGetInputSourceProperty(source.get(), kTISPropertyInputSourceID)
