@@ -38,6 +38,8 @@ void GlobalHotkeyMonitor::stop() {
 
 TapDecision GlobalHotkeyMonitor::handleTapEvent(const TapEvent& event) {
     if (event.type == tapevent::disabledByTimeout || event.type == tapevent::disabledByUserInput) {
+        // The tap is off while this runs, so no keystroke waits for the
+        // trust check.
         if (running_ && (!isTrusted || isTrusted())) {
             eventTap_.setEnabled(true);
         }
