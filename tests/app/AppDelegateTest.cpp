@@ -23,6 +23,7 @@
 #include "backends/fake/FakeUserDefaults.hpp"
 #include "backends/fake/FakeWindows.hpp"
 #include "core/UserData.hpp"
+#include "core/UserPrefs.hpp"
 #include "hotkey/HotkeyRecorder.hpp"
 
 #include <gtest/gtest.h>
@@ -30,6 +31,7 @@
 namespace hg {
 namespace {
 
+using namespace std::chrono_literals;
 using Lines = std::vector<std::string>;
 
 class AppDelegateTest : public ::testing::Test {
@@ -160,7 +162,7 @@ TEST_F(AppDelegateTest, ScriptedPressesTakeTheShortcutsPathAndUnpairedOnesAreIgn
     RemoteControl& remote = app.remoteControl();
     int announced = 0;
     const auto subscription = remote.statusWillChange().subscribe([&] { ++announced; });
-    remote.press();
+    remote.press(1ms);
     EXPECT_FALSE(remote.isPressed()) << "pressed before there was anything to press";
     launch(true);
     timers.advanceSeconds(1.0);
@@ -168,14 +170,82 @@ TEST_F(AppDelegateTest, ScriptedPressesTakeTheShortcutsPathAndUnpairedOnesAreIgn
     EXPECT_GT(announced, 0);
     out.take();
 
-    remote.release();
-    remote.press();
-    remote.press();
+    remote.release(2ms);
+    remote.press(3ms);
+    remote.press(4ms);
     EXPECT_EQ(statusItem.image(), "SideEyeIcon");
-    remote.release();
-    remote.release();
+    remote.release(5ms);
+    remote.release(6ms);
     EXPECT_EQ(statusItem.image(), "NoMeetingIcon");
     EXPECT_EQ(out.take(), Lines{}) << "the double-tap detector saw an unpaired press or release";
+}
+
+// A call on the system microphone, muted: the one meeting app of the fakes
+// that needs no accessibility tree.
+class ScriptedCall : public AppDelegateTest {
+protected:
+    void SetUp() override {
+        defaults.setBool(UserPrefs::microphoneKey, true);
+        microphone.recording = true;
+        microphone.muted = true;
+        launch(true);
+        timers.advanceSeconds(1.0);
+        ASSERT_EQ(app.remoteControl().status(), MeetingStatus::onMute);
+    }
+    // Past the store's quiet time after a toggle.
+    void settle() { timers.advanceSeconds(2.0); }
+};
+
+TEST_F(ScriptedCall, MuteAndUnmuteAskOnlyForAChangeAndSayWhenTheyCannot) {
+    RemoteControl& remote = app.remoteControl();
+    EXPECT_EQ(remote.setMuted(true), MuteResult::done);
+    EXPECT_TRUE(microphone.requests().empty()) << "muting a muted call asks nothing";
+    EXPECT_EQ(remote.setMuted(false), MuteResult::done);
+    EXPECT_EQ(remote.setMuted(false), MuteResult::done);
+    EXPECT_EQ(microphone.requests(), std::vector<bool>{false});
+    EXPECT_EQ(remote.status(), MeetingStatus::offMute);
+    settle();
+
+    microphone.failing = true;
+    EXPECT_EQ(remote.setMuted(true), MuteResult::refused);
+    EXPECT_EQ(muteFailureLine(MuteResult::refused, true, remote.status()),
+              "The meeting app did not mute (status offMute)");
+    microphone.failing = false;
+    microphone.recording = false;
+    settle();
+    EXPECT_EQ(remote.setMuted(true), MuteResult::noCall);
+    EXPECT_EQ(muteFailureLine(MuteResult::noCall, false, remote.status()),
+              "No call to unmute (status noMeeting)");
+}
+
+TEST_F(ScriptedCall, PressAndReleaseApplyInTheOrderTheyWereIssued) {
+    RemoteControl& remote = app.remoteControl();
+    // A quick tap whose release arrived first: both, press first.
+    remote.release(20ms);
+    EXPECT_EQ(microphone.requests(), std::vector<bool>{});
+    remote.press(10ms);
+    EXPECT_EQ(microphone.requests(), (std::vector<bool>{false, true}));
+    EXPECT_FALSE(remote.isPressed());
+    settle();
+
+    // The release of that tap, or its press, late: ignored.
+    remote.release(15ms);
+    remote.press(12ms);
+    EXPECT_FALSE(remote.isPressed());
+    // A stray release is dropped by the next press issued after it.
+    remote.release(30ms);
+    remote.press(40ms);
+    EXPECT_TRUE(remote.isPressed());
+    EXPECT_EQ(remote.status(), MeetingStatus::offMute);
+    remote.release(35ms);
+    EXPECT_TRUE(remote.isPressed()) << "a release issued before the press it would end";
+    // An explicit state ends the hold: the release does not undo it.
+    EXPECT_EQ(remote.setMuted(true), MuteResult::done);
+    EXPECT_FALSE(remote.isPressed());
+    settle();
+    remote.release(50ms);
+    EXPECT_EQ(remote.status(), MeetingStatus::onMute);
+    EXPECT_TRUE(microphone.muted);
 }
 
 TEST_F(AppDelegateTest, TheUpdateCallbackOutlivingTheDelegateDoesNothing) {
