@@ -89,10 +89,16 @@ MeetingStatus RemoteControl::status() const {
     return userData_ != nullptr ? userData_->truestStatus() : MeetingStatus::error;
 }
 
-std::string RemoteControl::activeAppName() const {
-    const bool inMeeting = userData_ != nullptr && userData_->activeApp() != nullptr &&
-                           !isWithoutMeeting(userData_->truestStatus());
-    return inMeeting ? userData_->activeApp()->name() : std::string();
+std::string RemoteControl::activeAppName() {
+    if (userData_ == nullptr || isWithoutMeeting(userData_->truestStatus())) {
+        return {};
+    }
+    if (userData_->activeApp() != nullptr) {
+        lastAppName_ = userData_->activeApp()->name();
+    }
+    return isInMeeting(userData_->truestStatus()) || userData_->activeApp() != nullptr
+               ? lastAppName_
+               : std::string();
 }
 
 } // namespace hg

@@ -54,8 +54,10 @@ public:
     // The status shown to the user; `error` (the store's first value) until
     // the store exists.
     [[nodiscard]] MeetingStatus status() const;
-    // The name of the app in a meeting; empty for none.
-    [[nodiscard]] std::string activeAppName() const;
+    // The name of the app in a meeting; empty for none. While the shown
+    // status is still a call's (the store's quiet time after a toggle), the
+    // app that had it.
+    [[nodiscard]] std::string activeAppName();
     // Announces every coming change of the status store (the status among
     // others), as its own observers are told: read status() on the next turn
     // of the event loop.
@@ -71,6 +73,7 @@ private:
     UserData* userData_ = nullptr;
     ObjectWillChange willChange_;
     ObjectWillChange::Subscription subscription_;
+    std::string lastAppName_;
     std::optional<IssuedAt> pressedAt_;
     // A release that arrived with no press held, waiting for an earlier one.
     std::optional<IssuedAt> earlyRelease_;
