@@ -29,6 +29,7 @@ MuteResult RemoteControl::setMuted(bool muted) {
     if (pressedAt_) {
         settledUntil_ = *pressedAt_;
         pressedAt_.reset();
+        delegate_.shortcutHoldDropped();
     }
     if (userData_->truestStatus() != wanted) {
         userData_->toggleMute();
@@ -40,7 +41,7 @@ void RemoteControl::press(IssuedAt at) {
     if (userData_ == nullptr || pressedAt_ || at < settledUntil_) {
         return;
     }
-    if (earlyRelease_ && *earlyRelease_ >= at) {
+    if (earlyRelease_ && *earlyRelease_ >= at - issueSkew) {
         // Its release overtook it: both happened, in this order.
         const IssuedAt releasedAt = *earlyRelease_;
         earlyRelease_.reset();
@@ -63,7 +64,7 @@ void RemoteControl::release(IssuedAt at) {
         }
         return;
     }
-    if (at < *pressedAt_) {
+    if (at < *pressedAt_ - issueSkew) {
         // The release of an earlier press, late: this press is still held.
         return;
     }

@@ -26,13 +26,17 @@ using IssuedAt = std::chrono::nanoseconds;
 // the order they were issued rather than the order they arrive: two processes
 // started together for a quick tap may reach the program release first. A
 // release that comes before its press waits for it, and the two are applied
-// together, press first. A press while a scripted press is held, a release
+// together, press first. Two processes started together may also read the
+// clock in either order: a release issued up to `issueSkew` before a press
+// still belongs to it. A press while a scripted press is held, a release
 // without one, and anything issued before the last release applied are
 // ignored: a script that loses track (a key binding whose press or release
 // went to another program) never toggles twice, nor back what it did not
 // toggle. Main thread only.
 class RemoteControl {
 public:
+    static constexpr IssuedAt issueSkew = std::chrono::milliseconds(50);
+
     // `delegate` must outlive this object.
     explicit RemoteControl(AppDelegate& delegate);
     RemoteControl(const RemoteControl&) = delete;

@@ -162,7 +162,7 @@ TEST_F(AppDelegateTest, ScriptedPressesTakeTheShortcutsPathAndUnpairedOnesAreIgn
     RemoteControl& remote = app.remoteControl();
     int announced = 0;
     const auto subscription = remote.statusWillChange().subscribe([&] { ++announced; });
-    remote.press(1ms);
+    remote.press(1s);
     EXPECT_FALSE(remote.isPressed()) << "pressed before there was anything to press";
     launch(true);
     timers.advanceSeconds(1.0);
@@ -170,12 +170,12 @@ TEST_F(AppDelegateTest, ScriptedPressesTakeTheShortcutsPathAndUnpairedOnesAreIgn
     EXPECT_GT(announced, 0);
     out.take();
 
-    remote.release(2ms);
-    remote.press(3ms);
-    remote.press(4ms);
+    remote.release(2s);
+    remote.press(3s);
+    remote.press(4s);
     EXPECT_EQ(statusItem.image(), "SideEyeIcon");
-    remote.release(5ms);
-    remote.release(6ms);
+    remote.release(5s);
+    remote.release(6s);
     EXPECT_EQ(statusItem.image(), "NoMeetingIcon");
     EXPECT_EQ(out.take(), Lines{}) << "the double-tap detector saw an unpaired press or release";
 }
@@ -220,30 +220,31 @@ TEST_F(ScriptedCall, MuteAndUnmuteAskOnlyForAChangeAndSayWhenTheyCannot) {
 
 TEST_F(ScriptedCall, PressAndReleaseApplyInTheOrderTheyWereIssued) {
     RemoteControl& remote = app.remoteControl();
-    // A quick tap whose release arrived first: both, press first.
-    remote.release(20ms);
+    // A quick tap whose release arrived first, even with the release's clock
+    // read a little before the press's: both, press first.
+    remote.release(1000ms);
     EXPECT_EQ(microphone.requests(), std::vector<bool>{});
-    remote.press(10ms);
+    remote.press(1000ms + RemoteControl::issueSkew);
     EXPECT_EQ(microphone.requests(), (std::vector<bool>{false, true}));
     EXPECT_FALSE(remote.isPressed());
     settle();
 
     // The release of that tap, or its press, late: ignored.
-    remote.release(15ms);
-    remote.press(12ms);
+    remote.release(1010ms);
+    remote.press(900ms);
     EXPECT_FALSE(remote.isPressed());
-    // A stray release is dropped by the next press issued after it.
-    remote.release(30ms);
-    remote.press(40ms);
+    // A stray release is dropped by a press issued well after it.
+    remote.release(2000ms);
+    remote.press(3000ms);
     EXPECT_TRUE(remote.isPressed());
     EXPECT_EQ(remote.status(), MeetingStatus::offMute);
-    remote.release(35ms);
-    EXPECT_TRUE(remote.isPressed()) << "a release issued before the press it would end";
+    remote.release(2500ms);
+    EXPECT_TRUE(remote.isPressed()) << "a release issued well before the press it would end";
     // An explicit state ends the hold: the release does not undo it.
     EXPECT_EQ(remote.setMuted(true), MuteResult::done);
     EXPECT_FALSE(remote.isPressed());
     settle();
-    remote.release(50ms);
+    remote.release(4000ms);
     EXPECT_EQ(remote.status(), MeetingStatus::onMute);
     EXPECT_TRUE(microphone.muted);
 }

@@ -13,7 +13,11 @@
 #include <QMetaType>
 #include <chrono>
 #include <cstdio>
+#include <ctime>
+#include <fstream>
+#include <sstream>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace hg {
@@ -119,6 +123,45 @@ int printStatus(QDBusConnection& bus, bool json, LineSink& out, LineSink& err) {
     return failure == Failure::none ? 0 : 1;
 }
 
+std::chrono::nanoseconds clockReading(clockid_t clock) {
+    timespec now{};
+    clock_gettime(clock, &now);
+    return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
+}
+
+// When this process was started, on CLOCK_MONOTONIC: a key binding that
+// starts the press and then the release issues them in that order, though
+// the release may be the first to reach main() on a busy machine. The kernel
+// keeps the start on CLOCK_BOOTTIME in clock ticks (/proc/self/stat, field
+// 22); the age it gives is taken from the monotonic clock's reading. Now,
+// when that cannot be read.
+std::chrono::nanoseconds startedAt() {
+    const auto monotonic = clockReading(CLOCK_MONOTONIC);
+    const auto boot = clockReading(CLOCK_BOOTTIME);
+    std::ifstream file("/proc/self/stat");
+    std::string stat;
+    std::getline(file, stat);
+    const auto nameEnd = stat.rfind(')');
+    const long ticksPerSecond = sysconf(_SC_CLK_TCK);
+    if (nameEnd == std::string::npos || ticksPerSecond <= 0) {
+        return monotonic;
+    }
+    // Fields 3 to 21 come between the name and the start.
+    std::istringstream fields(stat.substr(nameEnd + 1));
+    std::string skipped;
+    for (int field = 3; field < 22 && fields >> skipped; ++field) {
+    }
+    unsigned long long ticks = 0;
+    if (!(fields >> ticks)) {
+        return monotonic;
+    }
+    const auto start =
+        std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::duration<double>(
+            static_cast<double>(ticks) / static_cast<double>(ticksPerSecond)));
+    const auto age = boot - start;
+    return age > std::chrono::nanoseconds::zero() ? monotonic - age : monotonic;
+}
+
 } // namespace
 
 bool ScriptingClient::isCommand(int argc, char** argv) {
@@ -126,10 +169,9 @@ bool ScriptingClient::isCommand(int argc, char** argv) {
 }
 
 int ScriptingClient::run(int argc, char** argv) {
-    // When the command was issued, before anything slow: a press and a
-    // release started together are put back in this order by the program.
-    const auto issuedAt = std::chrono::duration_cast<std::chrono::nanoseconds>(
-        std::chrono::steady_clock::now().time_since_epoch());
+    // A press and a release started together are put back in this order by
+    // the program.
+    const auto issuedAt = startedAt();
     StdoutLineSink out;
     StderrLineSink err;
     const std::vector<std::string_view> args(argv + 1, argv + argc);
