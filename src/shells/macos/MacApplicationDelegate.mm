@@ -2,10 +2,10 @@
 
 #include "app/AppDelegate.hpp"
 #include "shells/macos/MacPlatform.hpp"
+#include "shells/macos/MacScripting.hpp"
 #include "shells/macos/SparkleUpdater.hpp"
 
 #import <AppKit/AppKit.h>
-
 #include <memory>
 
 // The NSApplication's delegate: owns the platform and the application built on
@@ -19,6 +19,7 @@
 @implementation HGApplicationDelegate {
     std::unique_ptr<hg::MacPlatform> _platform;
     std::unique_ptr<hg::AppDelegate> _application;
+    std::unique_ptr<hg::mac::MacScripting> _scripting;
 }
 
 - (instancetype)init {
@@ -32,18 +33,29 @@
 
 - (void)dealloc {
     // The application refers to the platform's status item and windows: it
-    // goes first.
+    // goes first, after the scripting that refers to it.
+    _scripting.reset();
     _application.reset();
     _platform.reset();
+}
+
+// Before launching finishes, so that a hushgremlin:// link that launched the
+// program reaches it.
+- (void)applicationWillFinishLaunching:(NSNotification*)notification {
+    (void)notification;
+    _scripting = std::make_unique<hg::mac::MacScripting>(_application->remoteControl(),
+                                                         _platform->platform().out);
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {
     (void)notification;
     _application->startUp();
+    _scripting->started();
 }
 
 - (void)applicationWillTerminate:(NSNotification*)notification {
     (void)notification;
+    _scripting.reset();
     _application->applicationWillTerminate();
 }
 
