@@ -79,7 +79,8 @@ Reply send(NSAppleEventDescriptor* event) {
     if (code == procNotFound || code == connectionInvalid) {
         return {nil, std::string(StatusReport::notRunningLine), true};
     }
-    if (code == errAEEventNotPermitted || code == errAEPrivilegeError) {
+    if (code == errAEEventNotPermitted || code == errAEEventWouldRequireUserConsent ||
+        code == errAEPrivilegeError) {
         return {nil,
                 "HushGremlin cannot be reached: this Mac's privacy settings do not let this "
                 "program send it Apple Events (System Settings > Privacy & Security > "
