@@ -30,6 +30,17 @@ std::string_view shortWord(std::optional<MeetingStatus> status) {
 
 } // namespace
 
+std::optional<MeetingStatus> StatusReport::statusNamed(std::string_view name) {
+    for (const MeetingStatus status :
+         {MeetingStatus::notRunning, MeetingStatus::noMeeting, MeetingStatus::onMute,
+          MeetingStatus::offMute, MeetingStatus::setupError, MeetingStatus::error}) {
+        if (name == toString(status)) {
+            return status;
+        }
+    }
+    return std::nullopt;
+}
+
 std::string StatusReport::line() const {
     return status ? std::string(toString(*status)) : std::string(notRunningLine);
 }

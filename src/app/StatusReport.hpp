@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace hg {
 
@@ -25,6 +26,10 @@ struct StatusReport {
     [[nodiscard]] std::string json() const;
 
     bool operator==(const StatusReport&) const = default;
+
+    // The status of a case name, as the program's status property gives it;
+    // none for anything else.
+    [[nodiscard]] static std::optional<MeetingStatus> statusNamed(std::string_view name);
 
     static constexpr std::string_view unavailable = "unavailable";
     static constexpr std::string_view notRunningLine = "HushGremlin is not running";

@@ -129,17 +129,6 @@ std::optional<std::string> property(NSRunningApplication* program, FourCharCode 
     return value != nil ? std::optional<std::string>(value.UTF8String) : std::nullopt;
 }
 
-std::optional<MeetingStatus> statusNamed(const std::string& name) {
-    for (const MeetingStatus status :
-         {MeetingStatus::notRunning, MeetingStatus::noMeeting, MeetingStatus::onMute,
-          MeetingStatus::offMute, MeetingStatus::setupError, MeetingStatus::error}) {
-        if (name == toString(status)) {
-            return status;
-        }
-    }
-    return std::nullopt;
-}
-
 // The report now; `failure` says why there is none when the program runs
 // but does not answer.
 StatusReport currentReport(Reply& failure) {
@@ -153,7 +142,8 @@ StatusReport currentReport(Reply& failure) {
         return {};
     }
     Reply noApp;
-    return {statusNamed(*status), property(program, activeAppProperty, noApp).value_or("")};
+    return {StatusReport::statusNamed(*status),
+            property(program, activeAppProperty, noApp).value_or("")};
 }
 
 int printStatus(bool json) {
@@ -186,7 +176,7 @@ int follow(bool json) {
                   NSString* app = note.userInfo[@"app"];
                   StatusReport report;
                   if ([status isKindOfClass:[NSString class]]) {
-                      report.status = statusNamed(status.UTF8String);
+                      report.status = StatusReport::statusNamed(status.UTF8String);
                   }
                   if ([app isKindOfClass:[NSString class]]) {
                       report.app = app.UTF8String;

@@ -5,7 +5,6 @@
 #include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
-#include <array>
 
 namespace hg {
 
@@ -14,15 +13,7 @@ namespace {
 constexpr int readTimeoutMs = 10000;
 
 std::optional<MeetingStatus> statusNamed(const QString& name) {
-    constexpr std::array all{MeetingStatus::notRunning, MeetingStatus::noMeeting,
-                             MeetingStatus::onMute,     MeetingStatus::offMute,
-                             MeetingStatus::setupError, MeetingStatus::error};
-    for (const MeetingStatus status : all) {
-        if (name == QLatin1String(toString(status))) {
-            return status;
-        }
-    }
-    return std::nullopt;
+    return StatusReport::statusNamed(name.toStdString());
 }
 
 } // namespace

@@ -18,8 +18,8 @@ namespace hg {
 // `hushgremlin status --follow`: the status now, then one line per change,
 // from the service's PropertiesChanged signal (nothing is polled). While the
 // program does not run it says so once and waits for it to appear on the bus;
-// it follows it again each time it comes back. Ends only when interrupted or
-// when its output is closed.
+// it follows it again each time it comes back. Ends only when interrupted, or
+// when it writes a line to a closed output (SIGPIPE).
 class StatusFollower final : public QObject {
     Q_OBJECT
 
