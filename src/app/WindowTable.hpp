@@ -20,9 +20,8 @@ struct WindowRow {
     bool panel = false;
 
     // A description for this row; `windowTitle` replaces the row's own when given.
-    [[nodiscard]] WindowSpec
-    description(WindowContent content,
-                std::optional<std::string> windowTitle = std::nullopt) const {
+    [[nodiscard]] WindowSpec description(WindowContent content,
+                                  std::optional<std::string> windowTitle = std::nullopt) const {
         WindowSpec s;
         if (windowTitle) {
             s.title = std::move(windowTitle);
