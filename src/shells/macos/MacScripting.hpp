@@ -38,8 +38,10 @@ public:
     // The application is built: runs the links that came before.
     void started();
 
-private:
+    // What the Objective-C handlers reach; defined in the implementation.
     struct State;
+
+private:
     std::unique_ptr<State> state_;
 };
 

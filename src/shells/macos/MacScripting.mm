@@ -18,10 +18,10 @@ hg::IssuedAt arrivedNow() {
 }
 
 NSString* toNSString(const std::string& text) {
-    return [[NSString alloc] initWithBytes:text.data()
-                                    length:text.size()
-                                  encoding:NSUTF8StringEncoding]
-               ?: @"";
+    NSString* string = [[NSString alloc] initWithBytes:text.data()
+                                                length:text.size()
+                                              encoding:NSUTF8StringEncoding];
+    return string != nil ? string : @"";
 }
 
 } // namespace
