@@ -144,6 +144,12 @@ void AppDelegate::shortcutUp() {
     userData_->hotkeyUp();
 }
 
+void AppDelegate::shortcutHoldDropped() {
+    if (doubleTap_) {
+        doubleTap_->reset();
+    }
+}
+
 void AppDelegate::axChanged(bool hasAX) {
     platform_.out.line(std::string("AX ACQUIRED ") + (hasAX ? "true" : "false"));
     if (hasAX) {

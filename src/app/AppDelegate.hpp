@@ -59,6 +59,9 @@ public:
     // remote control. Nothing happens before startUp().
     void shortcutDown();
     void shortcutUp();
+    // A held shortcut ends without its release toggling back (a script set
+    // the mute explicitly): the double-tap detector starts afresh.
+    void shortcutHoldDropped();
     // The watcher saw Accessibility trust gained (true) or lost (false).
     void axChanged(bool hasAX);
     // The menu's "Setup Required..." / "Error...": the Accessibility window

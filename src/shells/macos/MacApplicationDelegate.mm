@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.hpp"
 #include "shells/macos/MacPlatform.hpp"
+#include "shells/macos/MacScripting.hpp"
 #include "shells/macos/SparkleUpdater.hpp"
 #include "shells/macos/TerminateOnSignal.hpp"
 
@@ -19,6 +20,7 @@
 @implementation HGApplicationDelegate {
     std::unique_ptr<hg::MacPlatform> _platform;
     std::unique_ptr<hg::AppDelegate> _application;
+    std::unique_ptr<hg::mac::MacScripting> _scripting;
     // Held for the life of the process: App Nap would otherwise coalesce the
     // one-second tick of a menu-bar program with no window open.
     id<NSObject> _tickActivity;
@@ -34,12 +36,21 @@
 }
 
 - (void)dealloc {
-    // The windows' views refer to the application's objects, and the
-    // application to the platform's status item: windows, then application,
-    // then the rest of the platform.
+    // The scripting refers to the application, the windows' views to the
+    // application's objects, and the application to the platform's status
+    // item: scripting, windows, application, then the rest of the platform.
+    _scripting.reset();
     _platform->destroyWindows();
     _application.reset();
     _platform.reset();
+}
+
+// Before launching finishes, so that a hushgremlin:// link that launched the
+// program reaches it.
+- (void)applicationWillFinishLaunching:(NSNotification*)notification {
+    (void)notification;
+    _scripting = std::make_unique<hg::mac::MacScripting>(_application->remoteControl(),
+                                                         _platform->platform().out);
 }
 
 - (void)applicationDidFinishLaunching:(NSNotification*)notification {
@@ -48,10 +59,12 @@
         beginActivityWithOptions:NSActivityUserInitiatedAllowingIdleSystemSleep
                           reason:@"Follows the meeting's mute state once a second"];
     _application->startUp();
+    _scripting->started();
 }
 
 - (void)applicationWillTerminate:(NSNotification*)notification {
     (void)notification;
+    _scripting.reset();
     _application->applicationWillTerminate();
 }
 
