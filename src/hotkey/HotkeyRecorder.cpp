@@ -1,6 +1,6 @@
 #include "hotkey/HotkeyRecorder.hpp"
 
-#include "hotkey/ModifierKeys.hpp"
+#include "ports/ModifierKeys.hpp"
 
 namespace hg {
 

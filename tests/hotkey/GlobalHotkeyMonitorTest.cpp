@@ -1,13 +1,13 @@
 #include "hotkey/GlobalHotkeyMonitor.hpp"
 
 #include "KeyEvents.hpp"
-#include "hotkey/DoubleTap.hpp"
-#include "hotkey/ShortcutEvents.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 #include "backends/fake/FakeClock.hpp"
 #include "backends/fake/FakeEventTap.hpp"
 #include "backends/fake/FakeKeyboardLayout.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
+#include "hotkey/DoubleTap.hpp"
+#include "ports/ShortcutEvents.hpp"
 
 #include <algorithm>
 #include <cctype>

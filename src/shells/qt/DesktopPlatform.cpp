@@ -13,6 +13,7 @@
 #include "backends/posix/StdoutLineSink.hpp"
 #include "backends/posix/SystemClock.hpp"
 #include "backends/posix/UnavailableMicrophone.hpp"
+#include "hotkey/StoredHotkey.hpp"
 #include "shells/qt/AppcastUpdater.hpp"
 #include "shells/qt/BriefRunningApplicationsCache.hpp"
 #include "shells/qt/DesktopNotifications.hpp"
@@ -50,12 +51,12 @@ bool isWaylandSession() {
 // through Xwayland included: there the desktop's shortcut portal runs the
 // shortcut when it can. Elsewhere X11 grabs; without an X11 display either,
 // installing the tap fails and the monitor says so.
-std::unique_ptr<EventTap> makeEventTap(const UserDefaults& defaults, LineSink& out) {
+std::unique_ptr<EventTap> makeEventTap(const ShortcutSource& shortcut, LineSink& out) {
     if (isWaylandSession() && PortalEventTap::isOffered(std::chrono::seconds(2))) {
         out.line("The shortcut goes through the desktop's GlobalShortcuts portal");
-        return std::make_unique<PortalEventTap>(defaults, out);
+        return std::make_unique<PortalEventTap>(shortcut, out);
     }
-    return std::make_unique<X11EventTap>(defaults, out);
+    return std::make_unique<X11EventTap>(shortcut, out);
 }
 
 // Said once at start where no tray can show the icon (stock GNOME): without
@@ -101,7 +102,8 @@ struct DesktopPlatform::Backends {
                                                      std::chrono::milliseconds(100)};
     PosixFileSystem fileSystem;
     PosixProcessRunner processRunner;
-    std::unique_ptr<EventTap> eventTap = makeEventTap(defaults, out);
+    StoredHotkey storedHotkey{defaults};
+    std::unique_ptr<EventTap> eventTap = makeEventTap(storedHotkey, out);
     XkbKeyboardLayout keyboardLayout;
     QtLocalKeyMonitor localKeyMonitor{nativeMacKeyCode};
     XdgLoginItems loginItems{QCoreApplication::applicationFilePath().toStdString()};
