@@ -82,6 +82,7 @@ TEST_F(WaylandDesktop, ThePortalAndTheCommandLinePushToTalkAndTheProgramRunsOnce
                                          "HUSHGREMLIN_APP_IDENTITIES=us.zoom.xos=" +
                                              zoom_->processName(),
                                          "XDG_SESSION_TYPE=wayland",
+                                         "HUSHGREMLIN_TRAY_WAIT=0",
                                          "QT_QPA_PLATFORM=xcb",
                                          "XDG_CONFIG_HOME=" + config,
                                          HG_DESKTOP_PROGRAM};

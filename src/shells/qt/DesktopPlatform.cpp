@@ -70,6 +70,17 @@ void tellThatTheIconIsHidden() {
                        "hushgremlin status, toggle, press, release, preferences."));
 }
 
+// How long to wait for a tray to show the icon before saying there is none:
+// HUSHGREMLIN_TRAY_WAIT seconds when set to a number from 0 to 600.
+std::chrono::milliseconds trayWait() {
+    bool ok = false;
+    const int seconds = qEnvironmentVariableIntValue("HUSHGREMLIN_TRAY_WAIT", &ok);
+    if (!ok || seconds < 0 || seconds > 600) {
+        return TrayStatusItem::defaultTrayWait;
+    }
+    return std::chrono::seconds(seconds);
+}
+
 // The default input through the PulseAudio protocol, which PipeWire serves
 // as well; a build without libpulse has none.
 std::unique_ptr<Microphone> makeMicrophone(LineSink& out) {
@@ -84,7 +95,9 @@ std::unique_ptr<Microphone> makeMicrophone(LineSink& out) {
 } // namespace
 
 struct DesktopPlatform::Backends {
-    Backends() : statusItem(out), windows(defaults.settings(), application) {
+    Backends()
+        : statusItem(out, TrayStatusItem::Options{.trayWait = trayWait()}),
+          windows(defaults.settings(), application) {
         statusItem.setNoTrayCallback(&tellThatTheIconIsHidden);
     }
 
