@@ -10,8 +10,8 @@ class UserData;
 
 // What scripts may do with the running program (the desktop's command line
 // and its session-bus service): toggle as the menu's row does, press and
-// release as the shortcut does, open the preferences, and read the shown
-// status.
+// release as the shortcut does, open the preferences or the debug panel, and
+// read the shown status.
 //
 // Presses and releases take the shortcut's own path, double tap included. A
 // press while a scripted press is held, and a release without one, are
@@ -33,6 +33,9 @@ public:
     void press();
     void release();
     void showPreferences();
+    // The debug panel, for desktops where the menu's hidden row is out of
+    // reach (the window manager takes Alt+click, a tray host draws the menu).
+    void showDebugView();
 
     // The status shown to the user; `error` (the store's first value) until
     // the store exists.

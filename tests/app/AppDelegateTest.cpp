@@ -176,6 +176,10 @@ TEST_F(AppDelegateTest, ScriptedPressesTakeTheShortcutsPathAndUnpairedOnesAreIgn
     remote.release();
     EXPECT_EQ(statusItem.image(), "NoMeetingIcon");
     EXPECT_EQ(out.take(), Lines{}) << "the double-tap detector saw an unpaired press or release";
+
+    remote.showDebugView();
+    ASSERT_TRUE(app.debugWindow().has_value());
+    EXPECT_EQ(windows.frontOrder().front(), *app.debugWindow());
 }
 
 TEST_F(AppDelegateTest, TheUpdateCallbackOutlivingTheDelegateDoesNothing) {

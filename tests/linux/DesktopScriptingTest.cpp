@@ -118,6 +118,9 @@ TEST_F(WaylandDesktop, ThePortalAndTheCommandLinePushToTalkAndTheProgramRunsOnce
     EXPECT_TRUE(zoomBecomes("unmuted"));
     EXPECT_EQ(command("status").output, "offMute");
     EXPECT_EQ(zoom_->presses(), before + 7);
+    // The debug panel, out of the menu's reach where Alt+click is the window
+    // manager's.
+    EXPECT_EQ(command("debug").exitCode, 0);
 
     ChildProcess second(start);
     EXPECT_TRUE(second.waitForLine("HushGremlin is already running: its preferences are shown"));

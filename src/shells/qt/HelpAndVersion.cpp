@@ -20,6 +20,8 @@ already running). Commands for a running HushGremlin:
   status        print the status: notRunning, noMeeting, onMute, offMute,
                 setupError or error
   preferences   show the Preferences window
+  debug         show the debug panel (the menu's hidden row, for desktops
+                whose window manager takes Alt+click)
 
 Options:
   -h, --help    show this help and exit

@@ -21,11 +21,12 @@ struct Command {
     std::string_view word;
     const char* method;
 };
-constexpr std::array<Command, 5> commands{{
+constexpr std::array<Command, 6> commands{{
     {"toggle", "Toggle"},
     {"press", "Press"},
     {"release", "Release"},
     {"preferences", "ShowPreferences"},
+    {"debug", "ShowDebugView"},
     {"status", nullptr},
 }};
 
@@ -105,7 +106,7 @@ int ScriptingClient::run(int argc, char** argv) {
                    ? 0
                    : 1;
     }
-    out.line("Usage: hushgremlin [toggle | press | release | status | preferences]");
+    out.line("Usage: hushgremlin [toggle | press | release | status | preferences | debug]");
     return 2;
 }
 

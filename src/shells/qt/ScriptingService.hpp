@@ -17,8 +17,8 @@ inline constexpr char objectPath[] = "/app/hushgremlin";
 inline constexpr char interfaceName[] = "app.hushgremlin.HushGremlin";
 } // namespace scripting
 
-// The remote control on the session bus: the methods Toggle, Press, Release
-// and ShowPreferences, and the read-only property Status (the shown status's
+// The remote control on the session bus: the methods Toggle, Press, Release,
+// ShowPreferences and ShowDebugView, and the read-only property Status (the shown status's
 // case name, "onMute"), announced with PropertiesChanged when it changes.
 // Translates only: what each call does is the remote control's business.
 // Main thread only.
@@ -48,6 +48,7 @@ public slots:
     void Press();
     void Release();
     void ShowPreferences();
+    void ShowDebugView();
 
 private:
     void statusMayChange();
