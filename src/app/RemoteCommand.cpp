@@ -9,13 +9,14 @@ namespace hg {
 
 namespace {
 
-constexpr std::array<std::pair<RemoteCommand, std::string_view>, 7> words{{
+constexpr std::array<std::pair<RemoteCommand, std::string_view>, 8> words{{
     {RemoteCommand::toggle, "toggle"},
     {RemoteCommand::mute, "mute"},
     {RemoteCommand::unmute, "unmute"},
     {RemoteCommand::press, "press"},
     {RemoteCommand::release, "release"},
     {RemoteCommand::preferences, "preferences"},
+    {RemoteCommand::debug, "debug"},
     {RemoteCommand::status, "status"},
 }};
 
@@ -58,7 +59,7 @@ std::optional<RemoteCommand> commandFromUrl(std::string_view url) {
         rest.remove_suffix(1);
     }
     const auto command = commandFromWord(rest);
-    if (!command || *command == RemoteCommand::status) {
+    if (!command || *command == RemoteCommand::status || *command == RemoteCommand::debug) {
         return std::nullopt;
     }
     return command;

@@ -13,7 +13,7 @@ namespace hg {
 // command line, the session bus, Apple Events and the URL scheme. Nothing
 // else gets through: no argument of any of them reaches a shell, a path or a
 // preference.
-enum class RemoteCommand { toggle, mute, unmute, press, release, preferences, status };
+enum class RemoteCommand { toggle, mute, unmute, press, release, preferences, debug, status };
 
 // "toggle", "mute", ...
 [[nodiscard]] std::string_view toWord(RemoteCommand command);
@@ -23,7 +23,8 @@ enum class RemoteCommand { toggle, mute, unmute, press, release, preferences, st
 // hushgremlin://toggle, mute, unmute, press, release or preferences; the
 // scheme in any case, one trailing "/" allowed, nothing else (no query, no
 // path, no user or port). `status` reads and changes nothing, so a link has
-// no use for it. None for anything else.
+// no use for it; `debug` is for desktops where the menu's hidden row is out
+// of reach, which a Mac is not. None for anything else.
 [[nodiscard]] std::optional<RemoteCommand> commandFromUrl(std::string_view url);
 
 // What an explicit mute or unmute came to.
@@ -47,7 +48,7 @@ struct CommandLine {
     // command line of the client.
     [[nodiscard]] static std::optional<CommandLine> parse(std::span<const std::string_view> args);
     static constexpr std::string_view usage =
-        "Usage: hushgremlin [toggle | mute | unmute | press | release | preferences | "
+        "Usage: hushgremlin [toggle | mute | unmute | press | release | preferences | debug | "
         "status [--follow] [--json]]";
 };
 

@@ -86,6 +86,10 @@ void RemoteControl::showPreferences() {
     delegate_.showPrefsWindow();
 }
 
+void RemoteControl::showDebugView() {
+    delegate_.showDebugWindow();
+}
+
 MeetingStatus RemoteControl::status() const {
     return userData_ != nullptr ? userData_->truestStatus() : MeetingStatus::error;
 }

@@ -20,7 +20,8 @@ using IssuedAt = std::chrono::nanoseconds;
 // What scripts may do with the running program (the desktop's command line,
 // its session-bus service, Apple Events and the URL scheme): toggle as the
 // menu's row does, mute or unmute explicitly, press and release as the
-// shortcut does, open the preferences, and read the shown status.
+// shortcut does, open the preferences or the debug panel, and read the
+// shown status.
 //
 // Presses and releases take the shortcut's own path, double tap included, in
 // the order they were issued rather than the order they arrive: two processes
@@ -54,6 +55,9 @@ public:
     void press(IssuedAt at);
     void release(IssuedAt at);
     void showPreferences();
+    // The debug panel, for desktops where the menu's hidden row is out of
+    // reach (the window manager takes Alt+click, a tray host draws the menu).
+    void showDebugView();
 
     // The status shown to the user; `error` (the store's first value) until
     // the store exists.

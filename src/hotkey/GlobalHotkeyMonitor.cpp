@@ -1,6 +1,6 @@
 #include "hotkey/GlobalHotkeyMonitor.hpp"
 
-#include "hotkey/ModifierKeys.hpp"
+#include "ports/ModifierKeys.hpp"
 
 namespace hg {
 

@@ -1,7 +1,7 @@
 #include "hotkey/HotkeyRecorder.hpp"
 
 #include "hotkey/GlobeKeyNote.hpp"
-#include "hotkey/ModifierKeys.hpp"
+#include "ports/ModifierKeys.hpp"
 
 namespace hg {
 

@@ -215,6 +215,10 @@ TEST_F(AppDelegateTest, ScriptedPressesTakeTheShortcutsPathAndUnpairedOnesAreIgn
     remote.release(6s);
     EXPECT_EQ(statusItem.image(), "NoMeetingIcon");
     EXPECT_EQ(out.take(), Lines{}) << "the double-tap detector saw an unpaired press or release";
+
+    remote.showDebugView();
+    ASSERT_TRUE(app.debugWindow().has_value());
+    EXPECT_EQ(windows.frontOrder().front(), *app.debugWindow());
 }
 
 // A call on the system microphone, muted: the one meeting app of the fakes

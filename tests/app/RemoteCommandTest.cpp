@@ -42,6 +42,7 @@ TEST(RemoteCommand, LinksNameOneActionAndNothingElse) {
     EXPECT_EQ(commandFromUrl("HushGremlin://toggle/"), RemoteCommand::toggle);
     EXPECT_EQ(commandFromUrl("hushgremlin://preferences"), RemoteCommand::preferences);
     EXPECT_EQ(commandFromUrl("hushgremlin://release"), RemoteCommand::release);
+    EXPECT_EQ(commandFromUrl("hushgremlin://debug"), std::nullopt);
     using namespace std::string_view_literals;
     for (const std::string_view bad : std::vector<std::string_view>{
              "hushgremlin://status"sv, "hushgremlin://mute?x=1", "hushgremlin://mute/now",

@@ -7,7 +7,7 @@
 #include "backends/fake/FakeKeyboardLayout.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
 #include "hotkey/DoubleTap.hpp"
-#include "hotkey/ShortcutEvents.hpp"
+#include "ports/ShortcutEvents.hpp"
 
 #include <algorithm>
 #include <cctype>

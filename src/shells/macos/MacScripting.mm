@@ -63,6 +63,9 @@ void hg::mac::MacScripting::State::run(RemoteCommand command) {
     case RemoteCommand::preferences:
         remote.showPreferences();
         return;
+    case RemoteCommand::debug:
+        remote.showDebugView();
+        return;
     case RemoteCommand::status:
         return;
     }

@@ -42,6 +42,7 @@ std::optional<AEEventID> eventOf(RemoteCommand command) {
     case RemoteCommand::release:
         return 'RELS';
     case RemoteCommand::preferences:
+    case RemoteCommand::debug:
     case RemoteCommand::status:
         break;
     }
@@ -218,6 +219,11 @@ int runScriptingClient(int argc, char** argv) {
             }
             NSURL* url = [NSURL URLWithString:@"hushgremlin://preferences"];
             return [[NSWorkspace sharedWorkspace] openURL:url] ? 0 : 1;
+        }
+        if (line->command == RemoteCommand::debug) {
+            printLine(stderr, "On a Mac the debug view is the menu's row shown while Option "
+                              "is held");
+            return 1;
         }
         NSRunningApplication* program = runningProgram();
         if (program == nil) {

@@ -22,6 +22,8 @@ already running). Commands for a running HushGremlin:
                 setupError or error; --json: as one JSON object;
                 --follow: now and at each change, until interrupted
   preferences   show the Preferences window
+  debug         show the debug panel (the menu's hidden row, for desktops
+                whose window manager takes Alt+click)
 
 Options:
   -h, --help    show this help and exit

@@ -52,6 +52,8 @@ const char* methodOf(RemoteCommand command) {
         return "ReleaseAt";
     case RemoteCommand::preferences:
         return "ShowPreferences";
+    case RemoteCommand::debug:
+        return "ShowDebugView";
     case RemoteCommand::status:
         break;
     }

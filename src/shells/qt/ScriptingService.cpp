@@ -142,6 +142,10 @@ void ScriptingService::ShowPreferences() {
     remote_.showPreferences();
 }
 
+void ScriptingService::ShowDebugView() {
+    remote_.showDebugView();
+}
+
 void ScriptingService::statusMayChange() {
     // Announced before the change: the new status is there on the next turn.
     if (pending_) {

@@ -35,7 +35,7 @@ inline constexpr char refusedError[] = "app.hushgremlin.HushGremlin.Error.Refuse
 } // namespace scripting
 
 // The remote control on the session bus: the methods Toggle, Mute, Unmute,
-// Press, Release and ShowPreferences; PressAt and ReleaseAt with the time the
+// Press, Release, ShowPreferences and ShowDebugView; PressAt and ReleaseAt with the time the
 // caller issued them (nanoseconds of CLOCK_MONOTONIC), Press and Release
 // taking the time they arrive; the read-only properties Status (the shown
 // status's case name, "onMute") and App (the app in a meeting, "" for none),
@@ -75,6 +75,7 @@ public slots:
     void PressAt(qint64 issuedAtNs);
     void ReleaseAt(qint64 issuedAtNs);
     void ShowPreferences();
+    void ShowDebugView();
 
 private:
     void statusMayChange();
