@@ -49,7 +49,7 @@ AXElementRef AXAccess::copyMenuBar(ProcessId pid) {
     }
     if (code != ax::success) {
         out_.line(axErrorText(AXErrorColumn::menuBarChildren, code));
-        throw SwiftAXError(code);
+        throw SwiftAXError(code, result.timedOut);
     }
     return *valueAs<AXElementRef>(result);
 }
@@ -76,7 +76,7 @@ AXElementRef AXAccess::findChildAtDepth(const AXElementRef& of, std::string_view
     if (code != ax::success) {
         out_.line("NODICE");
         out_.line(axErrorText(AXErrorColumn::menuBarChildren, code));
-        throw SwiftAXError(code);
+        throw SwiftAXError(code, childrenResult.timedOut);
     }
 
     for (const auto& child : *valueAs<std::vector<AXElementRef>>(childrenResult)) {
@@ -94,7 +94,7 @@ AXElementRef AXAccess::findChildAtDepth(const AXElementRef& of, std::string_view
         }
         if (titleCode != ax::success) {
             out_.line(axErrorText(AXErrorColumn::title, titleCode));
-            throw SwiftAXError(titleCode);
+            throw SwiftAXError(titleCode, titleResult.timedOut);
         }
         const std::string& childTitle = *valueAs<std::string>(titleResult);
         if (caseInsensitive ? caseInsensitiveEqual(childTitle, title) : childTitle == title) {

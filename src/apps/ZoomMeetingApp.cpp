@@ -1,5 +1,7 @@
 #include "apps/ZoomMeetingApp.hpp"
 
+#include "apps/SwiftAXError.hpp"
+
 #include <exception>
 #include <string>
 
@@ -26,6 +28,7 @@ ZoomMeetingApp::MuteItems ZoomMeetingApp::findMuteItems(const AXElementRef& meet
 }
 
 MeetingStatus ZoomMeetingApp::fetchStatus() {
+    answeredLate_ = false;
     const auto pid = access_.runningAppPID(bundleID);
     if (!pid) {
         return MeetingStatus::notRunning;
@@ -53,6 +56,10 @@ MeetingStatus ZoomMeetingApp::fetchStatus() {
         if (items.unmute != nullptr) {
             return MeetingStatus::onMute;
         }
+        return MeetingStatus::error;
+    } catch (const SwiftAXError& e) {
+        out_.line(std::string("Unexpected meeting AX error: ") + e.what());
+        answeredLate_ = e.timedOut;
         return MeetingStatus::error;
     } catch (const std::exception& e) {
         out_.line(std::string("Unexpected meeting AX error: ") + e.what());

@@ -18,6 +18,9 @@ public:
     // Reads the menu afresh each time; never touches muteButton.
     MeetingStatus fetchStatus() override;
 
+    // The last read ran into the accessibility time-out.
+    [[nodiscard]] bool answeredLate() const override { return answeredLate_; }
+
     // Presses the cached mute item, looking it up first when none is cached.
     // offMute when pressed, whatever the direction; error otherwise.
     // `fromStatus` is not used.
@@ -45,6 +48,7 @@ private:
     AXAccess access_;
     LineSink& out_;
     AXElementRef muteButton_;
+    bool answeredLate_ = false;
 };
 
 } // namespace hg
