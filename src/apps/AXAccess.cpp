@@ -104,6 +104,26 @@ AXElementRef AXAccess::findChildAtDepth(const AXElementRef& of, std::string_view
     return nullptr;
 }
 
+bool AXAccess::holdsItems(const AXElementRef& of) {
+    return holdsItemsAtDepth(of, 0);
+}
+
+bool AXAccess::holdsItemsAtDepth(const AXElementRef& of, int depth) {
+    const AXCopyResult result = accessibility_.copyAttributeValue(of, "AXChildren");
+    const auto* children = valueAs<std::vector<AXElementRef>>(result);
+    if (children == nullptr || depth > maxSearchDepth) {
+        return true;
+    }
+    for (const auto& child : *children) {
+        const AXCopyResult role = accessibility_.copyAttributeValue(child, "AXRole");
+        const auto* text = valueAs<std::string>(role);
+        if (text == nullptr || *text != "AXMenu" || holdsItemsAtDepth(child, depth + 1)) {
+            return true;
+        }
+    }
+    return false;
+}
+
 void AXAccess::press(const AXElementRef& element) {
     const AXError code = accessibility_.performAction(element, "AXPress");
     if (code == ax::success) {

@@ -45,10 +45,15 @@ private:
     // Both searches on the "Meeting" item, always both. Throws SwiftAXError.
     MuteItems findMuteItems(const AXElementRef& meetingItem);
 
+    // Says once that the "Meeting" menu lists no item at all (a toolkit that
+    // hides them all, or a menu bar that is not the one on screen).
+    void reportUnreadableMenu(const AXElementRef& meetingItem);
+
     AXAccess access_;
     LineSink& out_;
     AXElementRef muteButton_;
     bool answeredLate_ = false;
+    bool reportedUnreadableMenu_ = false;
 };
 
 } // namespace hg

@@ -18,7 +18,7 @@ namespace hg {
 // answering (from the last reading) while the application does not.
 class AnswerBackOff {
 public:
-    static constexpr Duration slowAnswer = std::chrono::milliseconds(500);
+    static constexpr Duration slowAnswer = std::chrono::milliseconds(250);
     static constexpr int firstPause = 2;
     static constexpr int maxPause = 16;
 
