@@ -22,7 +22,7 @@ constexpr std::size_t maxMenuBarBreadth = 64;
 // every time, and the ones after these are left unread.
 constexpr std::size_t maxMenuEntries = 256;
 
-// Menu bars compared in one search (LibreOffice shows one and keeps a hidden
+// Menu bars compared in one search (an app may show one and keep a hidden
 // twin; an application may have a window or two more).
 constexpr std::size_t maxMenuBarCandidates = 8;
 // A menu bar chosen while none was showing is looked for again after this
