@@ -299,6 +299,7 @@ AXError AtspiTree::menuBar(const AtspiObjectRef& application, AtspiObjectRef& ou
         const bool keep =
             onScreen(bar) || (!remembered.showing && now - remembered.chosenAt < hiddenBarRecheck);
         if (bar.roleError == ax::success && bar.role == atspiRole::menuBar && keep) {
+            known->second.showing = onScreen(bar);
             out = remembered.bar;
             return ax::success;
         }
@@ -353,6 +354,13 @@ AXError AtspiTree::searchMenuBar(const AtspiObjectRef& application, AtspiObjectR
     }
     if (found.empty()) {
         return failureCode(atspiFailure::noMenuBar);
+    }
+    // The only one needs no comparing: whether it shows is learnt when it is
+    // confirmed next time, in the same round trip.
+    if (found.size() == 1) {
+        out = found.front();
+        showing = false;
+        return ax::success;
     }
     learn(found, needDetail | needArea);
     if (stopped_.contains(application.service)) {
