@@ -49,7 +49,7 @@ AXElementRef AXAccess::copyMenuBar(ProcessId pid) {
     }
     if (code != ax::success) {
         out_.line(axErrorText(AXErrorColumn::menuBarChildren, code));
-        throw SwiftAXError(code);
+        throw SwiftAXError(code, result.timedOut);
     }
     return *valueAs<AXElementRef>(result);
 }
@@ -76,7 +76,7 @@ AXElementRef AXAccess::findChildAtDepth(const AXElementRef& of, std::string_view
     if (code != ax::success) {
         out_.line("NODICE");
         out_.line(axErrorText(AXErrorColumn::menuBarChildren, code));
-        throw SwiftAXError(code);
+        throw SwiftAXError(code, childrenResult.timedOut);
     }
 
     for (const auto& child : *valueAs<std::vector<AXElementRef>>(childrenResult)) {
@@ -94,7 +94,7 @@ AXElementRef AXAccess::findChildAtDepth(const AXElementRef& of, std::string_view
         }
         if (titleCode != ax::success) {
             out_.line(axErrorText(AXErrorColumn::title, titleCode));
-            throw SwiftAXError(titleCode);
+            throw SwiftAXError(titleCode, titleResult.timedOut);
         }
         const std::string& childTitle = *valueAs<std::string>(titleResult);
         if (caseInsensitive ? caseInsensitiveEqual(childTitle, title) : childTitle == title) {
@@ -102,6 +102,26 @@ AXElementRef AXAccess::findChildAtDepth(const AXElementRef& of, std::string_view
         }
     }
     return nullptr;
+}
+
+bool AXAccess::holdsItems(const AXElementRef& of) {
+    return holdsItemsAtDepth(of, 0);
+}
+
+bool AXAccess::holdsItemsAtDepth(const AXElementRef& of, int depth) {
+    const AXCopyResult result = accessibility_.copyAttributeValue(of, "AXChildren");
+    const auto* children = valueAs<std::vector<AXElementRef>>(result);
+    if (children == nullptr || depth > maxSearchDepth) {
+        return true;
+    }
+    for (const auto& child : *children) {
+        const AXCopyResult role = accessibility_.copyAttributeValue(child, "AXRole");
+        const auto* text = valueAs<std::string>(role);
+        if (text == nullptr || *text != "AXMenu" || holdsItemsAtDepth(child, depth + 1)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 void AXAccess::press(const AXElementRef& element) {

@@ -33,6 +33,11 @@ public:
     // case (caseInsensitiveEqual). Throws SwiftAXError.
     AXElementRef findChild(const AXElementRef& of, std::string_view title, bool caseInsensitive);
 
+    // Whether `of`, or a menu below it, lists any element that is not a menu.
+    // Prints nothing; a read that fails counts as "yes", since nothing is
+    // known then.
+    bool holdsItems(const AXElementRef& of);
+
     // Performs "AXPress". An element that does not support the action counts
     // as pressed (printed, not raised). Throws SwiftAXError.
     void press(const AXElementRef& element);
@@ -42,6 +47,7 @@ public:
 private:
     AXElementRef findChildAtDepth(const AXElementRef& of, std::string_view title,
                                   bool caseInsensitive, int depth);
+    bool holdsItemsAtDepth(const AXElementRef& of, int depth);
 
     Accessibility& accessibility_;
     RunningApplications& applications_;

@@ -1,5 +1,7 @@
 #include "apps/ZoomMeetingApp.hpp"
 
+#include "apps/SwiftAXError.hpp"
+
 #include <exception>
 #include <string>
 
@@ -11,6 +13,7 @@ constexpr std::string_view bundleID = "us.zoom.xos";
 constexpr std::string_view meetingMenuTitle = "Meeting";
 constexpr std::string_view muteTitle = "Mute Audio";
 constexpr std::string_view unmuteTitle = "Unmute Audio";
+constexpr std::string_view unreadableMenuLine = "Zoom: no item of the Meeting menu can be read";
 
 } // namespace
 
@@ -26,6 +29,7 @@ ZoomMeetingApp::MuteItems ZoomMeetingApp::findMuteItems(const AXElementRef& meet
 }
 
 MeetingStatus ZoomMeetingApp::fetchStatus() {
+    answeredLate_ = false;
     const auto pid = access_.runningAppPID(bundleID);
     if (!pid) {
         return MeetingStatus::notRunning;
@@ -40,9 +44,15 @@ MeetingStatus ZoomMeetingApp::fetchStatus() {
         const AXElementRef menuBar = access_.copyMenuBar(*pid);
         const AXElementRef meetingItem = access_.findChild(menuBar, meetingMenuTitle, false);
         if (meetingItem == nullptr) {
+            reportedUnreadableMenu_ = false;
             return MeetingStatus::noMeeting;
         }
         const MuteItems items = findMuteItems(meetingItem);
+        if (items.mute == nullptr && items.unmute == nullptr) {
+            reportUnreadableMenu(meetingItem);
+        } else {
+            reportedUnreadableMenu_ = false;
+        }
         if (items.mute != nullptr && items.unmute != nullptr) {
             out_.line("BOTH BUTTONS!");
             return MeetingStatus::offMute;
@@ -54,9 +64,20 @@ MeetingStatus ZoomMeetingApp::fetchStatus() {
             return MeetingStatus::onMute;
         }
         return MeetingStatus::error;
+    } catch (const SwiftAXError& e) {
+        out_.line(std::string("Unexpected meeting AX error: ") + e.what());
+        answeredLate_ = e.timedOut;
+        return MeetingStatus::error;
     } catch (const std::exception& e) {
         out_.line(std::string("Unexpected meeting AX error: ") + e.what());
         return MeetingStatus::error;
+    }
+}
+
+void ZoomMeetingApp::reportUnreadableMenu(const AXElementRef& meetingItem) {
+    if (!reportedUnreadableMenu_ && !access_.holdsItems(meetingItem)) {
+        out_.line(std::string(unreadableMenuLine));
+        reportedUnreadableMenu_ = true;
     }
 }
 

@@ -18,6 +18,9 @@ public:
     // Reads the menu afresh each time; never touches muteButton.
     MeetingStatus fetchStatus() override;
 
+    // The last read ran into the accessibility time-out.
+    [[nodiscard]] bool answeredLate() const override { return answeredLate_; }
+
     // Presses the cached mute item, looking it up first when none is cached.
     // offMute when pressed, whatever the direction; error otherwise.
     // `fromStatus` is not used.
@@ -42,9 +45,15 @@ private:
     // Both searches on the "Meeting" item, always both. Throws SwiftAXError.
     MuteItems findMuteItems(const AXElementRef& meetingItem);
 
+    // Says once that the "Meeting" menu lists no item at all (a toolkit that
+    // hides them all, or a menu bar that is not the one on screen).
+    void reportUnreadableMenu(const AXElementRef& meetingItem);
+
     AXAccess access_;
     LineSink& out_;
     AXElementRef muteButton_;
+    bool answeredLate_ = false;
+    bool reportedUnreadableMenu_ = false;
 };
 
 } // namespace hg

@@ -20,6 +20,10 @@ public:
     // Reads the current state; may block while the application answers.
     virtual MeetingStatus fetchStatus() = 0;
 
+    // Whether the last fetchStatus() got no answer in time from the
+    // application (stopped or busy): its result is then no reading at all.
+    [[nodiscard]] virtual bool answeredLate() const { return false; }
+
     // Flips the microphone. offMute: done (either direction); error: failed;
     // anything else: nothing was done, record that status instead.
     virtual MeetingStatus toggleMute(MeetingStatus fromStatus) = 0;

@@ -52,6 +52,7 @@ public:
     void setActiveApp(std::shared_ptr<MeetingApp> app) { activeApp_ = std::move(app); }
 
     [[nodiscard]] GremlinMenu& barItem() { return barItem_; }
+    [[nodiscard]] const Clock& clock() const { return clock_; }
 
     // The one entry point for readings.
     void setStatus(MeetingStatus status);

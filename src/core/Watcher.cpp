@@ -61,6 +61,24 @@ bool Watcher::shouldMuteOnJoin(std::string_view appName) const {
     return defaults_.boolForKey(key);
 }
 
+std::optional<MeetingStatus> Watcher::ask(MeetingApp& app) {
+    const std::string name = app.name();
+    if (!backOff_.mayAsk(name)) {
+        return std::nullopt;
+    }
+    const Instant start = userData_.clock().now();
+    const MeetingStatus answer = app.fetchStatus();
+    const bool late = app.answeredLate();
+    const bool slow = userData_.clock().now() - start > AnswerBackOff::slowAnswer;
+    if (const int pause = backOff_.record(name, late || slow); pause > 0) {
+        out_.line(name + " answered late; asking again in " + std::to_string(pause) + " s");
+    }
+    if (late) {
+        return std::nullopt;
+    }
+    return answer;
+}
+
 void Watcher::setAXAccess(bool hasAXAccess) {
     userData_.setHasAXAccess(hasAXAccess);
     userData_.recordHistory();
@@ -83,25 +101,29 @@ void Watcher::poll() {
 
     // The application already in a meeting keeps priority over those before
     // it in the list; only when it has left is the list asked, in order. One
-    // whose switch went off is not asked at all.
+    // whose switch went off is not asked at all. One that gives no answer has
+    // not left: it stays active and the shown status stays, for this tick.
+    backOff_.nextTick();
     const auto apps = polledApps();
     const std::shared_ptr<MeetingApp> previous = userData_.activeApp();
     MeetingStatus status = MeetingStatus::noMeeting;
     std::shared_ptr<MeetingApp> active;
+    bool unanswered = false;
     if (previous != nullptr && std::find(apps.begin(), apps.end(), previous) != apps.end()) {
-        const MeetingStatus answer = previous->fetchStatus();
-        if (isInMeeting(answer)) {
-            status = answer;
+        const auto answer = ask(*previous);
+        unanswered = !answer.has_value();
+        if (unanswered || isInMeeting(*answer)) {
+            status = answer.value_or(userData_.truestStatus());
             active = previous;
         }
     }
     if (active == nullptr) {
         for (const auto& app : apps) {
-            const MeetingStatus answer = app->fetchStatus();
+            const auto answer = ask(*app);
             if (answer == MeetingStatus::setupError) {
-                status = answer;
-            } else if (isInMeeting(answer)) {
-                status = answer;
+                status = *answer;
+            } else if (answer && isInMeeting(*answer)) {
+                status = *answer;
                 active = app;
                 break;
             }
@@ -112,7 +134,9 @@ void Watcher::poll() {
         forgetMuteButton(previous);
     }
     userData_.setActiveApp(active);
-    userData_.setStatus(status);
+    if (!unanswered) {
+        userData_.setStatus(status);
+    }
 
     // Granted, but not while an adapter still reports a setup need: the test
     // is simply repeated next second.

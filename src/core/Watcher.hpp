@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/AnswerBackOff.hpp"
 #include "core/MeetingApp.hpp"
 #include "core/UserData.hpp"
 #include "ports/Accessibility.hpp"
@@ -9,6 +10,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -65,6 +67,9 @@ private:
 
     // The applications to ask this tick, in order.
     [[nodiscard]] std::vector<std::shared_ptr<MeetingApp>> polledApps() const;
+    // The application's reading; none when it is left alone on this tick or
+    // did not answer in time.
+    std::optional<MeetingStatus> ask(MeetingApp& app);
     void setAXAccess(bool hasAXAccess);
     void reportSetupNeeds(const std::vector<std::shared_ptr<MeetingApp>>& apps);
 
@@ -74,6 +79,7 @@ private:
     std::function<void(bool)> axChangedCallback_;
     std::function<void(MeetingApp&)> setupCallback_;
     std::set<std::string> reportedSetupApps_;
+    AnswerBackOff backOff_;
 
     Accessibility& accessibility_;
     const UserDefaults& defaults_;

@@ -49,6 +49,9 @@ using AXValue = std::variant<std::monostate, AXElementRef, std::vector<AXElement
 struct AXCopyResult {
     AXError error = ax::success; // nonzero: the read failed and `value` is empty
     AXValue value;
+    // The application did not answer in time (`error` is then cannotComplete):
+    // it is stopped or busy, which says nothing about what it shows.
+    bool timedOut = false;
 };
 
 // The accessibility interface: trust, elements, attributes and actions.
@@ -68,7 +71,8 @@ public:
 
     // Copies an attribute ("AXMenuBar", "AXChildren", "AXRole", "AXTitle").
     // Failure: a nonzero AXError and no value.
-    virtual AXCopyResult copyAttributeValue(const AXElementRef& element, std::string_view attribute) = 0;
+    virtual AXCopyResult copyAttributeValue(const AXElementRef& element,
+                                            std::string_view attribute) = 0;
 
     // Performs an action ("AXPress"). Returns 0 or the AXError of the failure.
     virtual AXError performAction(const AXElementRef& element, std::string_view action) = 0;

@@ -2,11 +2,11 @@
 
 #include "ZoomTree.hpp"
 #include "apps/ZoomMeetingApp.hpp"
-#include "menu/GremlinMenu.hpp"
 #include "backends/fake/FakeClock.hpp"
 #include "backends/fake/FakeStatusItem.hpp"
 #include "backends/fake/FakeTimers.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
+#include "menu/GremlinMenu.hpp"
 #include "support/ScriptedMeetingApp.hpp"
 
 #include <gtest/gtest.h>
@@ -185,6 +185,50 @@ TEST_F(WatcherTest, MuteOnJoinOnlyOnTheTickFromNoMeetingToLive) {
         watcher->poll();
         EXPECT_EQ(z->toggleCount(), row.toggles ? 1 : 0) << "not again on the next tick";
     }
+}
+
+TEST_F(WatcherTest, ALateAnswerKeepsTheMeetingAndALateOrSlowAppIsLeftAloneForAWhile) {
+    ax.setTrusted(false); // no permission lines in between
+    defaults.setObject("muteOnJoin_Zoom", false);
+    auto zoom = scripted("Zoom", S::offMute);
+    auto tuple = scripted("Tuple", S::noMeeting);
+    build().poll(); // joined: mute on join is left to its own test
+    events();
+    data.setStatus(S::offMute); // the toggle's quiet time is not what this is about
+
+    const auto tick = [&](int times = 1) {
+        for (int i = 0; i < times; ++i) {
+            clock.advanceSeconds(1);
+            watcher->poll();
+        }
+    };
+    zoom->late = true;
+    tick();
+    EXPECT_EQ(data.truestStatus(), S::offMute);
+    EXPECT_EQ(data.activeApp(), zoom) << "no answer is not a left meeting";
+    EXPECT_EQ(events(), Lines{"Zoom answered late; asking again in 2 s"});
+    const int fetches = zoom->fetchCount;
+    const int tupleFetches = tuple->fetchCount;
+    tick(2);
+    EXPECT_EQ(zoom->fetchCount, fetches) << "left alone";
+    EXPECT_EQ(tuple->fetchCount, tupleFetches) << "the list is not asked either";
+    tick();
+    EXPECT_EQ(events(), Lines{"Zoom answered late; asking again in 4 s"}) << "twice as long";
+
+    zoom->late = false;
+    zoom->status = S::noMeeting; // it answers again: not before 4 ticks
+    tick(4);
+    EXPECT_EQ(data.truestStatus(), S::offMute);
+    tick();
+    EXPECT_EQ(data.truestStatus(), S::noMeeting);
+    EXPECT_EQ(data.activeApp(), nullptr);
+
+    zoom->status = S::offMute;
+    zoom->onFetch = [&] { clock.advanceSeconds(0.3); }; // an answer, but a slow one
+    tick();
+    EXPECT_EQ(data.truestStatus(), S::offMute) << "a slow answer is used";
+    EXPECT_EQ(events(), (Lines{"Zoom answered late; asking again in 2 s"}));
+    EXPECT_EQ(zoom->toggleCount(), 0) << "mute on join was turned off";
 }
 
 TEST_F(WatcherTest, PermissionGainedWaitsForAStatusOtherThanSetupErrorAndLossIsReportedOnce) {

@@ -46,8 +46,15 @@ TEST(ZoomMeetingApp, StatusWithoutAReadableMeetingMenu) {
 
     z.ax.fail(AXOp::title, ax::cannotComplete);
     EXPECT_EQ(z.app.fetchStatus(), S::error);
+    EXPECT_FALSE(z.app.answeredLate()) << "a failure code alone is not a time-out";
     EXPECT_EQ(z.out.take(),
               (Lines{"CANT COMplete", "Unexpected meeting AX error: HushGremlin.SwiftAXError"}));
+    z.ax.heal();
+    z.ax.setUnresponsive(true);
+    EXPECT_EQ(z.app.fetchStatus(), S::error);
+    EXPECT_TRUE(z.app.answeredLate());
+    z.ax.setUnresponsive(false);
+    z.out.take();
 
     z.ax.setTrusted(false);
     z.ax.clearCalls();
@@ -56,6 +63,23 @@ TEST(ZoomMeetingApp, StatusWithoutAReadableMeetingMenu) {
     z.apps.clear();
     EXPECT_EQ(z.app.fetchStatus(), S::notRunning) << "not running wins over no trust";
     EXPECT_TRUE(z.out.lines().empty());
+}
+
+TEST(ZoomMeetingApp, AMeetingMenuWithoutReadableItemsIsReportedOnce) {
+    Zoom z;
+    z.meeting({});
+    z.meetingItem->children.front()->children.clear(); // not even "Start Video"
+    const Lines once{"Zoom: no item of the Meeting menu can be read"};
+    EXPECT_EQ(z.app.fetchStatus(), S::error);
+    EXPECT_EQ(z.out.take(), once);
+    EXPECT_EQ(z.app.fetchStatus(), S::error);
+    EXPECT_TRUE(z.out.take().empty()) << "said once";
+
+    z.meetingItem->children.front()->add("AXMenuItem", "Unmute Audio");
+    EXPECT_EQ(z.app.fetchStatus(), S::onMute);
+    z.meetingItem->children.front()->children.clear();
+    EXPECT_EQ(z.app.fetchStatus(), S::error);
+    EXPECT_EQ(z.out.take(), once) << "said again after a reading that found an item";
 }
 
 TEST(ZoomMeetingApp, ToggleLooksTheButtonUpOnceAndPressesItAgain) {

@@ -23,6 +23,7 @@ public:
     MeetingStatus toggleAnswer = MeetingStatus::offMute; // standing toggleMute answer
     std::deque<MeetingStatus> toggleAnswers;             // used before `toggleAnswer`
     bool setupNeeded = false;
+    bool late = false;              // what answeredLate() says
     std::function<void()> onFetch;  // runs inside fetchStatus, before it answers
     std::function<void()> onToggle; // runs inside toggleMute, before it answers
 
@@ -40,6 +41,8 @@ public:
         }
         return next(fetchAnswers, status);
     }
+
+    [[nodiscard]] bool answeredLate() const override { return late; }
 
     MeetingStatus toggleMute(MeetingStatus fromStatus) override {
         toggleFromStatuses.push_back(fromStatus);

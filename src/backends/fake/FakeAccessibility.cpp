@@ -141,6 +141,9 @@ AXError FakeAccessibility::blockingFailure(AXOp op, const FakeAXElement& element
     if (!trusted_) {
         return ax::apiDisabled;
     }
+    if (unresponsive_) {
+        return ax::cannotComplete;
+    }
     if (element.stale) {
         return ax::invalidUIElement;
     }
@@ -170,6 +173,8 @@ AXCopyResult FakeAccessibility::copyAttributeValue(const AXElementRef& element,
     AXCopyResult result;
     if (const AXError code = blockingFailure(*op, *fake); code != ax::success) {
         result = failed(code);
+        result.timedOut =
+            unresponsive_ && trusted_ && !failures_.contains(*op) && !fake->failures.contains(*op);
     } else if (const auto raw = fake->rawValues.find(*op); raw != fake->rawValues.end()) {
         result = AXCopyResult{ax::success, raw->second};
     } else {

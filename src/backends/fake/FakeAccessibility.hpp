@@ -66,8 +66,9 @@ public:
 //
 // Every failing read or press answers with the first that applies: a failure
 // injected for the operation (globally, then on the element), then
-// apiDisabled when the process is not trusted, then invalidUIElement when the
-// element is stale. Every call is recorded with the element's title at that
+// apiDisabled when the process is not trusted, then cannotComplete, as a
+// time-out, while the application does not answer, then invalidUIElement when
+// the element is stale. Every call is recorded with the element's title at that
 // moment.
 class FakeAccessibility final : public Accessibility {
 public:
@@ -99,6 +100,9 @@ public:
     void heal(AXOp op) { failures_.erase(op); }
     void heal() { failures_.clear(); }
 
+    // While on, the application answers nothing: reads fail as timed out.
+    void setUnresponsive(bool unresponsive) { unresponsive_ = unresponsive; }
+
     [[nodiscard]] const std::vector<Call>& calls() const { return calls_; }
     void clearCalls() { calls_.clear(); }
 
@@ -117,6 +121,7 @@ private:
     int trustChecks_ = 0;
     std::map<ProcessId, std::shared_ptr<FakeAXElement>> applications_;
     std::map<AXOp, AXError> failures_;
+    bool unresponsive_ = false;
     std::vector<Call> calls_;
 };
 

@@ -211,6 +211,8 @@ AXCopyResult AtspiAccessibility::copyAttributeValue(const AXElementRef& element,
         result = menuBar(*atspi);
     }
     forgetApplicationOnFailure(*atspi, result.error);
+    // A read fails that way only when the application did not answer in time.
+    result.timedOut = result.error == ax::cannotComplete;
     return result;
 }
 

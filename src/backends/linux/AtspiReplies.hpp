@@ -32,6 +32,8 @@ struct AtspiObjectRef {
 namespace atspiState {
 inline constexpr unsigned enabled = 8;
 inline constexpr unsigned sensitive = 24;
+// On screen: visible, and so are all its ancestors.
+inline constexpr unsigned showing = 25;
 // Meant to be seen. Qt clears it for every item of a menu that is not open,
 // GTK only for hidden items.
 inline constexpr unsigned visible = 30;

@@ -17,6 +17,17 @@ constexpr unsigned windowCoordinates = 1;
 constexpr int maxMenuBarDepth = 6;
 // Objects looked at on one level of that search.
 constexpr std::size_t maxMenuBarBreadth = 64;
+// Entries of one menu or menu bar that are read. Zoom's "Meeting" menu holds
+// a dozen; a menu of thousands would take longer than the time-out to read,
+// every time, and the ones after these are left unread.
+constexpr std::size_t maxMenuEntries = 256;
+
+// Menu bars compared in one search (an app may show one and keep a hidden
+// twin; an application may have a window or two more).
+constexpr std::size_t maxMenuBarCandidates = 8;
+// A menu bar chosen while none was showing is looked for again after this
+// long, so that one that shows up later is found.
+constexpr std::chrono::seconds hiddenBarRecheck{5};
 
 // Top-level menus and menu bars remembered across walks; an application has
 // a dozen of the first and one of the second.
@@ -195,6 +206,10 @@ bool AtspiTree::hidden(const Facts& facts) const {
            isOutOfSight(*facts.states, facts.hasArea);
 }
 
+bool AtspiTree::onScreen(const Facts& facts) {
+    return facts.states && hasState(*facts.states, atspiState::showing) && facts.hasArea == true;
+}
+
 bool AtspiTree::mayBeHidden(const Facts& facts) const {
     return facts.roleError == ax::success && isMenuEntry(facts.role) && facts.states &&
            !hasState(*facts.states, atspiState::visible);
@@ -206,10 +221,13 @@ AXError AtspiTree::children(const AtspiObjectRef& object, std::vector<AtspiObjec
     if (parent.childrenError != ax::success) {
         return parent.childrenError;
     }
-    const std::vector<AtspiObjectRef> listed = parent.children;
+    std::vector<AtspiObjectRef> listed = parent.children;
     const bool menuBar = parent.roleError == ax::success && parent.role == atspiRole::menuBar;
     const bool menu = parent.roleError == ax::success &&
                       (parent.role == atspiRole::menu || parent.role == atspiRole::popupMenu);
+    if ((menu || menuBar) && listed.size() > maxMenuEntries) {
+        listed.resize(maxMenuEntries);
+    }
     // What a search reads of each child, with the children's own children
     // ahead of a search that goes down: one round trip a level. Qt's items of
     // a closed menu are not visible, and their area tells whether they are
@@ -265,17 +283,24 @@ AXError AtspiTree::name(const AtspiObjectRef& object, QString& out) {
 
 AXError AtspiTree::menuBar(const AtspiObjectRef& application, AtspiObjectRef& out) {
     forgetWhenIdle();
+    const auto now = std::chrono::steady_clock::now();
     if (const auto known = menuBars_.find(application.service); known != menuBars_.end()) {
         // The bar's entries of last time are asked for along with the bar:
         // while they stay the same, a reading of the bar takes one round trip.
-        std::vector<Wanted> wanted{{known->second.bar, needShape}};
-        for (const auto& entry : known->second.entries) {
+        const RememberedBar& remembered = known->second;
+        std::vector<Wanted> wanted{{remembered.bar, needShape | needDetail | needArea}};
+        for (const auto& entry : remembered.entries) {
             wanted.push_back({entry, needShape | needDetail});
         }
         learn(wanted);
-        const Facts& bar = known_[Key{known->second.bar.service, known->second.bar.path}];
-        if (bar.roleError == ax::success && bar.role == atspiRole::menuBar) {
-            out = known->second.bar;
+        const Facts& bar = known_[Key{remembered.bar.service, remembered.bar.path}];
+        // One that stopped showing is searched for again at once; one that
+        // never showed, now and then.
+        const bool keep =
+            onScreen(bar) || (!remembered.showing && now - remembered.chosenAt < hiddenBarRecheck);
+        if (bar.roleError == ax::success && bar.role == atspiRole::menuBar && keep) {
+            known->second.showing = onScreen(bar);
+            out = remembered.bar;
             return ax::success;
         }
         menuBars_.erase(known);
@@ -283,16 +308,21 @@ AXError AtspiTree::menuBar(const AtspiObjectRef& application, AtspiObjectRef& ou
             return ax::cannotComplete;
         }
     }
-    const AXError code = searchMenuBar(application, out);
+    bool showing = false;
+    const AXError code = searchMenuBar(application, out, showing);
     if (code == ax::success) {
-        menuBars_[application.service] = RememberedBar{out, {}};
+        menuBars_[application.service] = RememberedBar{out, {}, showing, now};
     }
     return code;
 }
 
-AXError AtspiTree::searchMenuBar(const AtspiObjectRef& application, AtspiObjectRef& out) {
+AXError AtspiTree::searchMenuBar(const AtspiObjectRef& application, AtspiObjectRef& out,
+                                 bool& showing) {
+    std::vector<AtspiObjectRef> found;
     std::vector<AtspiObjectRef> level{application};
-    for (int depth = 0; depth <= maxMenuBarDepth && !level.empty(); ++depth) {
+    // The shallowest level that holds a menu bar holds the candidates, in
+    // every window: deeper levels are not searched.
+    for (int depth = 0; depth <= maxMenuBarDepth && !level.empty() && found.empty(); ++depth) {
         learn(level, needShape);
         if (stopped_.contains(application.service)) {
             return ax::cannotComplete;
@@ -303,9 +333,16 @@ AXError AtspiTree::searchMenuBar(const AtspiObjectRef& application, AtspiObjectR
             if (depth == 0 && known.childrenError != ax::success) {
                 return known.childrenError;
             }
-            if (depth > 0 && known.roleError == ax::success && known.role == atspiRole::menuBar) {
-                out = object;
-                return ax::success;
+            const bool shaped = depth > 0 && known.roleError == ax::success;
+            if (shaped && known.role == atspiRole::menuBar) {
+                if (found.size() < maxMenuBarCandidates) {
+                    found.push_back(object);
+                }
+                continue;
+            }
+            // Menus hold items, not menu bars, and may hold thousands.
+            if (shaped && (known.role == atspiRole::menu || known.role == atspiRole::popupMenu)) {
+                continue;
             }
             for (const auto& child : known.children) {
                 if (next.size() < maxMenuBarBreadth) {
@@ -315,7 +352,26 @@ AXError AtspiTree::searchMenuBar(const AtspiObjectRef& application, AtspiObjectR
         }
         level = std::move(next);
     }
-    return failureCode(atspiFailure::noMenuBar);
+    if (found.empty()) {
+        return failureCode(atspiFailure::noMenuBar);
+    }
+    // The only one needs no comparing: whether it shows is learnt when it is
+    // confirmed next time, in the same round trip.
+    if (found.size() == 1) {
+        out = found.front();
+        showing = false;
+        return ax::success;
+    }
+    learn(found, needDetail | needArea);
+    if (stopped_.contains(application.service)) {
+        return ax::cannotComplete;
+    }
+    const auto visible = std::find_if(found.begin(), found.end(), [this](const auto& bar) {
+        return onScreen(known_[Key{bar.service, bar.path}]);
+    });
+    showing = visible != found.end();
+    out = showing ? *visible : found.front();
+    return ax::success;
 }
 
 } // namespace hg

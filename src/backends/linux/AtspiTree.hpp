@@ -41,10 +41,13 @@ public:
     AXError role(const AtspiObjectRef& object, std::uint32_t& out);
     // The name without the padding some toolkits put around it.
     AXError name(const AtspiObjectRef& object, QString& out);
-    // The first menu bar of an application, searched breadth-first through
-    // its windows to a bounded depth: the shallowest wins, then the first in
-    // the windows' order. The one found is remembered across walks and only
-    // confirmed the next time, while it is still a menu bar.
+    // The menu bar of an application: among the menu bars of all its
+    // windows on the shallowest level that has one (searched breadth-first to
+    // a bounded depth), the first that is showing and has a size, else the
+    // first found. The one found is
+    // remembered across walks and only confirmed the next time, while it is
+    // still a menu bar and still showing with a size; one that was chosen
+    // without showing is searched for again after a few seconds.
     AXError menuBar(const AtspiObjectRef& application, AtspiObjectRef& out);
 
 private:
@@ -79,8 +82,11 @@ private:
     [[nodiscard]] bool hidden(const Facts& facts) const;
     // A menu entry not visible: hidden or in a closed menu.
     [[nodiscard]] bool mayBeHidden(const Facts& facts) const;
+    // Showing, with a known area: a menu bar the user can see.
+    [[nodiscard]] static bool onScreen(const Facts& facts);
     void forgetWhenIdle();
-    AXError searchMenuBar(const AtspiObjectRef& application, AtspiObjectRef& out);
+    // `showing`: whether the bar found is on screen.
+    AXError searchMenuBar(const AtspiObjectRef& application, AtspiObjectRef& out, bool& showing);
 
     AtspiBus& bus_;
     std::map<Key, Facts> known_;
@@ -95,6 +101,8 @@ private:
     struct RememberedBar {
         AtspiObjectRef bar;
         std::vector<AtspiObjectRef> entries;
+        bool showing = false; // on screen when chosen
+        std::chrono::steady_clock::time_point chosenAt{};
     };
     std::map<QString, RememberedBar> menuBars_;
     std::uint64_t rememberedGeneration_ = 0;

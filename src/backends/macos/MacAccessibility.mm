@@ -112,7 +112,9 @@ AXCopyResult MacAccessibility::copyAttributeValue(const AXElementRef& element,
     CFRef<CFTypeRef> value;
     const ::AXError error = AXUIElementCopyAttributeValue(target, name.get(), value.receive());
     if (error != kAXErrorSuccess) {
-        return {error, {}};
+        // What a read gets when the application did not answer within the
+        // messaging time-out.
+        return {error, {}, error == kAXErrorCannotComplete};
     }
     return {ax::success, convert(value.get())};
 }

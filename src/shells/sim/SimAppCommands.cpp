@@ -51,6 +51,15 @@ void SimInterpreter::zoom(const ScriptLine& line) {
             throw ScriptError("'zoom meeting' while Zoom is not running");
         }
         zoom.setMeeting(meeting);
+    } else if (verb == "unresponsive") {
+        requireWords(line, 3);
+        static const std::map<std::string, bool, std::less<>> switches = {{"on", true},
+                                                                          {"off", false}};
+        const bool unresponsive = choose(switches, line.word(2), "zoom unresponsive");
+        if (!zoom.isRunning()) {
+            throw ScriptError("'zoom unresponsive' while Zoom is not running");
+        }
+        zoom.setUnresponsive(unresponsive);
     } else if (verb == "title") {
         requireWords(line, 4);
         if (!zoom.rename(line.word(2), line.word(3))) {

@@ -93,6 +93,7 @@ void SimZoom::stop() {
         return;
     }
     application_->markStale();
+    accessibility_.setUnresponsive(false);
     accessibility_.removeApplication(pid_);
     applications_.removePid(pid_);
     application_.reset();
@@ -130,6 +131,10 @@ void SimZoom::press(FakeAXElement& item) {
 
 void SimZoom::setMeeting(Meeting meeting) {
     if (meeting == meeting_) {
+        // Titles that a rename changed are put back; otherwise nothing moves.
+        if (meeting != Meeting::off) {
+            updateMuteItems();
+        }
         return;
     }
     if (meeting == Meeting::off) {

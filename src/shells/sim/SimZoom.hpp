@@ -34,8 +34,12 @@ public:
     void start(ProcessId pid);
     // Ends the process: every element goes stale.
     void stop();
-    // Enters, changes or leaves the meeting. Zoom must be running.
+    // Enters, changes or leaves the meeting, or puts back the mute items the
+    // state calls for after a rename. Zoom must be running.
     void setMeeting(Meeting meeting);
+    // While on, Zoom answers no accessibility call: each fails as timed out.
+    // Zoom must be running; it answers again after a stop or a restart.
+    void setUnresponsive(bool unresponsive) { accessibility_.setUnresponsive(unresponsive); }
     // Renames the first menu-bar item or menu item titled `oldTitle`, in
     // tree order. False when Zoom does not run or nothing has that title.
     bool rename(std::string_view oldTitle, const std::string& newTitle);
