@@ -5,11 +5,11 @@
 // Xvfb; XTEST comes from a second connection, as xdotool's would.
 
 #include "DesktopSession.hpp"
-#include "hotkey/GlobalHotkeyMonitor.hpp"
-#include "hotkey/ModifierKeys.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
 #include "backends/linux/X11EventTap.hpp"
+#include "hotkey/GlobalHotkeyMonitor.hpp"
+#include "hotkey/ModifierKeys.hpp"
 
 #include <QGuiApplication>
 #include <benchmark/benchmark.h>

@@ -5,7 +5,6 @@
 #include "shells/macos/SparkleUpdater.hpp"
 
 #import <AppKit/AppKit.h>
-
 #include <memory>
 
 // The NSApplication's delegate: owns the platform and the application built on
@@ -25,7 +24,8 @@
     self = [super init];
     if (self != nil) {
         _platform = std::make_unique<hg::MacPlatform>((__bridge void*)self);
-        _application = std::make_unique<hg::AppDelegate>(_platform->platform());
+        _application = std::make_unique<hg::AppDelegate>(_platform->platform(),
+                                                         hg::AppDelegate::Departures::ofPrograms());
     }
     return self;
 }
