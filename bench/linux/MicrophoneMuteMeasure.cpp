@@ -5,11 +5,12 @@
 //     source-output" event) to the input read as muted;
 //   - end: from the stream's removal to the input read as live again (the
 //     grace period for a reopened stream included, and given apart);
-//   - per case, N tries each: stuck muted (the input still muted 6 s after
-//     the last recording ended) and made live (the input read live while a
-//     call the program had muted still recorded): a stream reopened after a
-//     0.5 s gap, the default input changed mid-call, SIGTERM mid-call then a
-//     new start, the audio server restarted mid-call.
+//   - per case, N tries each: stuck muted (an input still muted 6 s after
+//     the last recording ended) and made live (an input read live while a
+//     call the program had muted recorded from it): a stream reopened after a
+//     0.5 s gap, the default input changed mid-call (PipeWire moves the
+//     stream to the new input), SIGTERM mid-call then a new start, the audio
+//     server restarted mid-call.
 // The input's mute is sampled with pactl as fast as it answers (a few ms
 // each); events come from `pactl subscribe`, timestamped by a reader thread.
 // Usage: microphone_mute_measure PROGRAM [N]
@@ -37,7 +38,7 @@ using Audio = PipeWireSession;
 class EventLog {
 public:
     EventLog() {
-        pipe_ = ::popen("exec pactl subscribe", "r");
+        pipe_ = ::popen("exec pactl subscribe 2>/dev/null", "r");
         reader_ = std::thread([this] {
             char line[256];
             while (pipe_ != nullptr && std::fgets(line, sizeof line, pipe_) != nullptr) {
@@ -91,6 +92,18 @@ std::optional<Clock::time_point> whenMute(const char* input, const std::string& 
 // Whether `input` reads muted on every sample for `span`.
 bool staysMuted(const char* input, std::chrono::milliseconds span) {
     return !whenMute(input, "no", span).has_value();
+}
+
+// Whether every input a stream records from reads muted on every sample for
+// `span`, wherever the server moves the streams meanwhile.
+bool callStaysMuted(std::chrono::milliseconds span) {
+    const auto end = Clock::now() + span;
+    while (Clock::now() < end) {
+        if (!Audio::recordedSourcesMuted()) {
+            return false;
+        }
+    }
+    return true;
 }
 
 double ms(Clock::duration d) {
@@ -163,13 +176,14 @@ int measure(const std::string& programPath, int tries) {
         }
         return muted.has_value();
     };
-    // Ends a call; true when the input is live again within 6 s.
-    const auto end = [&](std::unique_ptr<ChildProcess>& call, const char* input) {
+    // Ends a call; true when the input is live again within 6 s. `timed`:
+    // the end latency is counted (the call stayed on `input`).
+    const auto end = [&](std::unique_ptr<ChildProcess>& call, const char* input, bool timed) {
         const auto before = Clock::now();
         call.reset();
         const auto live = whenMute(input, "no", 6s);
         const auto removed = events->find("'remove' on source-output", before);
-        if (live && removed) {
+        if (timed && live && removed) {
             ends.push_back(ms(*live - *removed));
         }
         return live.has_value();
@@ -187,14 +201,15 @@ int measure(const std::string& programPath, int tries) {
             std::this_thread::sleep_for(500ms);
             call = Audio::record();
             reopen.live += staysMuted(Audio::source, 2500ms) ? 0 : 1;
-            reopen.stuck += end(call, Audio::source) ? 0 : 1;
+            reopen.stuck += end(call, Audio::source, true) ? 0 : 1;
         }
 
         ++defaultChange.tries;
         if (join(call)) {
             Audio::setDefaultSource(headset);
-            defaultChange.live += staysMuted(Audio::source, 1500ms) ? 0 : 1;
-            defaultChange.stuck += end(call, Audio::source) ? 0 : 1;
+            defaultChange.live += callStaysMuted(2500ms) ? 0 : 1;
+            const bool oldLive = end(call, Audio::source, false);
+            defaultChange.stuck += oldLive && whenMute(headset, "no", 6s) ? 0 : 1;
             Audio::setDefaultSource(Audio::source);
             std::this_thread::sleep_for(300ms);
         }
@@ -209,11 +224,12 @@ int measure(const std::string& programPath, int tries) {
             program->waitForLine("Starting watcher");
             live = live || !staysMuted(Audio::source, 1500ms);
             restart.live += live ? 1 : 0;
-            restart.stuck += end(call, Audio::source) ? 0 : 1;
+            restart.stuck += end(call, Audio::source, false) ? 0 : 1;
         }
     }
     summary("join: stream appeared -> input muted", joins);
-    summary("end: stream removed -> input live (grace 1500 ms included)", ends);
+    summary("end: stream removed -> input live (grace 1500 ms included), after a reopened stream",
+            ends);
     reopen.say("stream reopened after 0.5 s while muted");
     defaultChange.say("default input changed mid-call");
     restart.say("SIGTERM mid-call, then a new start");

@@ -252,6 +252,20 @@ TEST_F(ProgramMicrophoneTest, TheBookOutlivesTheDefaultInputAnOutageTheSwitchAnd
     EXPECT_FALSE(microphone.others["default"].muted);
     EXPECT_FALSE(microphone.muted) << "the new input was never the program's to touch";
 
+    // Back to the first input, and the call's stream follows the default:
+    // the mute follows the call.
+    join();
+    microphone.switchDefault("default");
+    microphone.recording = true;
+    microphone.others["headset"].recording = false;
+    microphone.announceChange();
+    EXPECT_TRUE(microphone.muted) << "the call moved and must stay muted";
+    timers.advanceSeconds(2.0);
+    EXPECT_FALSE(microphone.others["headset"].muted);
+    end();
+    timers.advanceSeconds(2.0);
+    EXPECT_FALSE(microphone.muted);
+
     // The audio service is out of reach: unknown is not "nothing records".
     timers.advanceSeconds(1.0);
     join();

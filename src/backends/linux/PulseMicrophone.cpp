@@ -4,6 +4,7 @@
 
 #include <QObject>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <algorithm>
 #include <cstring>
 #include <map>
@@ -68,6 +69,9 @@ struct PulseMicrophone::Impl {
     std::function<void()> onChange;
     std::vector<QSocketNotifier*> notifiers;
     std::vector<int> watched;
+    // Owns the pending re-reading, so that it goes with this object.
+    std::unique_ptr<QObject> laterContext = std::make_unique<QObject>();
+    bool rereadPending = false;
 
     bool connected() {
         if (connection != nullptr && connection->isReady()) {
@@ -189,6 +193,15 @@ struct PulseMicrophone::Impl {
         if (!onChange || connection == nullptr) {
             unwatch();
             return;
+        }
+        if (stale && !rereadPending) {
+            // A change arrived while a request was waiting for its answer:
+            // the socket has nothing more to say, so read it from the loop.
+            rereadPending = true;
+            QTimer::singleShot(0, laterContext.get(), [this] {
+                rereadPending = false;
+                announced();
+            });
         }
         if (connection->readDescriptors() == watched) {
             return;
