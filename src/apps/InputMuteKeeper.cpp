@@ -134,12 +134,9 @@ void InputMuteKeeper::wakeIn(Duration after) {
 
 void InputMuteKeeper::wake() {
     // While the source is on, each tick's reading settles the book; the
-    // keeper's own reading is only needed for a grace period running out.
-    const bool graceDue =
-        std::any_of(idleSince_.begin(), idleSince_.end(), [this](const auto& idle) {
-            return clock_.now() - idle.second >= options_.grace;
-        });
-    if (defaults_.boolForKey(options_.switchKey) && !graceDue) {
+    // keeper's own reading is only needed while a grace period runs (a
+    // timer may fire a little early: settle() then waits for the rest).
+    if (defaults_.boolForKey(options_.switchKey) && idleSince_.empty()) {
         return;
     }
     settle();

@@ -15,7 +15,18 @@ MeetingStatus MicrophoneMeetingApp::fetchStatus() {
         return MeetingStatus::notRunning;
     }
     if (!lastInput_.empty() && input != lastInput_ && keeper_.holds(lastInput_)) {
-        carriedFrom_ = lastInput_;
+        // The default input changed during a call the program keeps muted.
+        // Call apps that follow the default move their stream over: the mute
+        // goes first, and is lifted like any other once nothing records.
+        if (microphone_.isMuted(input) == false) {
+            out_.line("Microphone: the default input changed during a muted call, muting " + input +
+                      " too");
+            if (microphone_.setMuted(input, true)) {
+                keeper_.remember(input);
+            } else {
+                out_.line("Microphone: could not mute the input");
+            }
+        }
     }
     lastInput_ = input;
     const auto recording = microphone_.isRecording(input);
@@ -28,18 +39,6 @@ MeetingStatus MicrophoneMeetingApp::fetchStatus() {
     const auto muted = microphone_.isMuted(input);
     if (!muted) {
         return MeetingStatus::error;
-    }
-    if (!*muted && !carriedFrom_.empty() && keeper_.holds(carriedFrom_)) {
-        // The default input changed during a call the program keeps muted,
-        // and the call's stream followed it: the mute follows too.
-        out_.line("Microphone: the call moved to " + input + ", muting it as well");
-        carriedFrom_.clear();
-        if (microphone_.setMuted(input, true)) {
-            keeper_.remember(input);
-            return MeetingStatus::onMute;
-        }
-        out_.line("Microphone: could not mute the input");
-        return MeetingStatus::offMute;
     }
     if (!*muted) {
         // Unmuted elsewhere: no mute of ours stands on it any more.

@@ -19,8 +19,8 @@ namespace hg {
 // as long as the recording: once nothing records from that input any more it
 // is lifted, so that the next call, which may be one the program drives
 // through the app's own mute, does not start silent. When the default input
-// changes while the book holds the old one, a call recording live from the
-// new one is the same call moved along, and is muted there too.
+// changes while the book holds the old one, the new one is muted too before
+// the call's stream can move over to it.
 class MicrophoneMeetingApp final : public MeetingApp {
 public:
     MicrophoneMeetingApp(Microphone& microphone, InputMuteKeeper& keeper, LineSink& out);
@@ -43,10 +43,8 @@ private:
     Microphone& microphone_;
     InputMuteKeeper& keeper_;
     LineSink& out_;
-    // The default input at the last reading, and the input a muted call
-    // left when the default changed, until the call is seen on the new one.
+    // The default input at the last reading.
     std::string lastInput_;
-    std::string carriedFrom_;
 };
 
 } // namespace hg

@@ -250,16 +250,18 @@ TEST_F(ProgramMicrophoneTest, TheBookOutlivesTheDefaultInputAnOutageTheSwitchAnd
     microphone.announceChange();
     timers.advanceSeconds(2.0);
     EXPECT_FALSE(microphone.others["default"].muted);
-    EXPECT_FALSE(microphone.muted) << "the new input was never the program's to touch";
+    EXPECT_FALSE(microphone.muted) << "the new input, muted ahead of the call, is idle";
 
     // Back to the first input, and the call's stream follows the default:
-    // the mute follows the call.
+    // the mute goes first.
     join();
     microphone.switchDefault("default");
+    microphone.announceChange();
+    EXPECT_TRUE(microphone.muted) << "muted before the call moves";
     microphone.recording = true;
     microphone.others["headset"].recording = false;
     microphone.announceChange();
-    EXPECT_TRUE(microphone.muted) << "the call moved and must stay muted";
+    EXPECT_TRUE(microphone.muted);
     timers.advanceSeconds(2.0);
     EXPECT_FALSE(microphone.others["headset"].muted);
     end();
