@@ -88,7 +88,40 @@ bool InputMuteKeeper::lift(const std::string& input) {
     return true;
 }
 
+void InputMuteKeeper::followMovedCalls() {
+    auto now = microphone_.recordedInputs();
+    if (!now) {
+        return;
+    }
+    const auto was = [this](const std::string& input) {
+        return std::find(recorded_.begin(), recorded_.end(), input) != recorded_.end();
+    };
+    const auto names = book();
+    const bool bookedLeft = std::any_of(names.begin(), names.end(), [&](const std::string& input) {
+        return was(input) && std::find(now->begin(), now->end(), input) == now->end();
+    });
+    if (bookedLeft) {
+        for (const auto& input : *now) {
+            if (was(input) || names.contains(input) || microphone_.isMuted(input) != false) {
+                continue;
+            }
+            out_.line("Microphone: the call moved to " + input + ", muting it too");
+            if (microphone_.setMuted(input, true)) {
+                remember(input);
+            } else {
+                out_.line("Microphone: could not mute the input");
+            }
+        }
+    }
+    recorded_ = std::move(*now);
+}
+
 void InputMuteKeeper::settle() {
+    if (!book().empty()) {
+        followMovedCalls();
+    } else {
+        recorded_.clear();
+    }
     std::optional<Duration> graceLeft;
     for (const auto& input : book()) {
         const auto recording = microphone_.isRecording(input);

@@ -10,6 +10,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace hg {
 
@@ -49,7 +50,10 @@ public:
     [[nodiscard]] bool holds(const std::string& input) const;
 
     // Reads every input in the book and lifts the mutes whose input has
-    // been idle for the grace period.
+    // been idle for the grace period. A call whose stream leaves an input in
+    // the book for another, live one (the audio server moves streams to a
+    // new default input) is followed: an input that starts being recorded in
+    // the reading in which one in the book stops is muted and booked too.
     void settle();
 
     // At start: mutes left by an earlier run are looked after from now on.
@@ -63,6 +67,8 @@ public:
 private:
     [[nodiscard]] std::set<std::string> book() const;
     void write(const std::set<std::string>& book);
+    // Mutes an input that starts being recorded as one in the book stops.
+    void followMovedCalls();
     // Lifts the mute of `input`; true when it is off the book.
     bool lift(const std::string& input);
     // Keeps the keeper's own reading going while the book holds a mute: in
@@ -79,6 +85,8 @@ private:
     // When each input in the book was first seen without a recording.
     std::map<std::string, Instant> idleSince_;
     std::set<std::string> failureSaid_;
+    // The inputs recorded at the last reading.
+    std::vector<std::string> recorded_;
     TimerId timer_ = 0;
     Duration timerInterval_{0};
 };

@@ -3,6 +3,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace hg {
 
@@ -27,6 +28,10 @@ public:
     // Whether some other application records from `input` now; none when
     // that cannot be told (the service is out of reach, the input is gone).
     virtual std::optional<bool> isRecording(const std::string& input) = 0;
+
+    // The inputs some other application records from now; none when that
+    // cannot be told.
+    virtual std::optional<std::vector<std::string>> recordedInputs() = 0;
 
     // Whether `input` is muted; none when it cannot be read.
     virtual std::optional<bool> isMuted(const std::string& input) = 0;

@@ -33,6 +33,21 @@ public:
         const Input* found = find(input);
         return found != nullptr ? std::optional<bool>(found->recording) : std::nullopt;
     }
+    std::optional<std::vector<std::string>> recordedInputs() override {
+        if (failing) {
+            return std::nullopt;
+        }
+        std::vector<std::string> names;
+        if (recording) {
+            names.push_back(defaultName);
+        }
+        for (const auto& [name, input] : others) {
+            if (input.recording) {
+                names.push_back(name);
+            }
+        }
+        return names;
+    }
     std::optional<bool> isMuted(const std::string& input) override {
         const Input* found = find(input);
         return found != nullptr ? std::optional<bool>(found->muted) : std::nullopt;

@@ -254,6 +254,19 @@ std::optional<bool> PulseMicrophone::isRecording(const std::string& input) {
     return source != nullptr ? std::optional<bool>(source->recording) : std::nullopt;
 }
 
+std::optional<std::vector<std::string>> PulseMicrophone::recordedInputs() {
+    if (!impl_->current()) {
+        return std::nullopt;
+    }
+    std::vector<std::string> names;
+    for (const auto& [name, source] : impl_->snapshot->sources) {
+        if (source.recording) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+
 std::optional<bool> PulseMicrophone::isMuted(const std::string& input) {
     impl_->current();
     const Source* source = impl_->find(input);

@@ -39,6 +39,7 @@ public:
 
     std::string defaultInput() override;
     std::optional<bool> isRecording(const std::string& input) override;
+    std::optional<std::vector<std::string>> recordedInputs() override;
     std::optional<bool> isMuted(const std::string& input) override;
     bool setMuted(const std::string& input, bool muted) override;
     void setChangeHandler(std::function<void()> onChange) override;

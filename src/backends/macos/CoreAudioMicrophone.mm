@@ -182,6 +182,16 @@ std::optional<bool> CoreAudioMicrophone::isRecording(const std::string& input) {
     return running ? std::optional<bool>(*running != 0) : std::nullopt;
 }
 
+std::optional<std::vector<std::string>> CoreAudioMicrophone::recordedInputs() {
+    std::vector<std::string> names;
+    for (const AudioDeviceID device : devices()) {
+        if (inputChannels(device) > 0 && read<UInt32>(device, runningSomewhere).value_or(0) != 0) {
+            names.push_back(uidOf(device));
+        }
+    }
+    return names;
+}
+
 std::optional<bool> CoreAudioMicrophone::isMuted(const std::string& input) {
     const auto device = deviceWithUID(input);
     if (!device) {
