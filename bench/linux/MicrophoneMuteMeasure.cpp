@@ -7,7 +7,7 @@
 //     grace period for a reopened stream included, and given apart);
 //   - per case, N tries each: stuck muted (an input still muted 6 s after
 //     the last recording ended) and made live (an input read live while a
-//     call the program had muted recorded from it): a stream reopened after a
+//     call the program had muted recorded from it, with how long it was): a stream reopened after a
 //     0.5 s gap, the default input changed mid-call (PipeWire moves the
 //     stream to the new input), SIGTERM mid-call then a new start, the audio
 //     server restarted mid-call.
@@ -94,16 +94,27 @@ bool staysMuted(const char* input, std::chrono::milliseconds span) {
     return !whenMute(input, "no", span).has_value();
 }
 
-// Whether every input a stream records from reads muted on every sample for
-// `span`, wherever the server moves the streams meanwhile.
-bool callStaysMuted(std::chrono::milliseconds span) {
+// The longest run of samples, over `span`, in which some input a stream
+// records from read live (zero when none did), wherever the server moves the
+// streams meanwhile.
+Clock::duration longestLive(std::chrono::milliseconds span) {
     const auto end = Clock::now() + span;
+    Clock::duration longest{};
+    std::optional<Clock::time_point> liveSince;
     while (Clock::now() < end) {
-        if (!Audio::recordedSourcesMuted()) {
-            return false;
+        const bool muted = Audio::recordedSourcesMuted();
+        const auto now = Clock::now();
+        if (!muted && !liveSince) {
+            liveSince = now;
+        }
+        if (liveSince) {
+            longest = std::max(longest, now - *liveSince);
+        }
+        if (muted) {
+            liveSince.reset();
         }
     }
-    return true;
+    return longest;
 }
 
 double ms(Clock::duration d) {
@@ -164,6 +175,8 @@ int measure(const std::string& programPath, int tries) {
     std::this_thread::sleep_for(300ms);
 
     std::vector<double> joins;
+    // How long a moved call was seen live, when it was.
+    std::vector<double> moveWindows;
     std::vector<double> ends;
     // Starts a call and times its mute; false when it was never muted.
     const auto join = [&](std::unique_ptr<ChildProcess>& call) {
@@ -207,7 +220,11 @@ int measure(const std::string& programPath, int tries) {
         ++defaultChange.tries;
         if (join(call)) {
             Audio::setDefaultSource(headset);
-            defaultChange.live += callStaysMuted(2500ms) ? 0 : 1;
+            const auto live = longestLive(2500ms);
+            defaultChange.live += live > Clock::duration::zero() ? 1 : 0;
+            if (live > Clock::duration::zero()) {
+                moveWindows.push_back(ms(live));
+            }
             const bool oldLive = end(call, Audio::source, false);
             defaultChange.stuck += oldLive && whenMute(headset, "no", 6s) ? 0 : 1;
             Audio::setDefaultSource(Audio::source);
@@ -232,6 +249,7 @@ int measure(const std::string& programPath, int tries) {
             ends);
     reopen.say("stream reopened after 0.5 s while muted");
     defaultChange.say("default input changed mid-call");
+    summary("  of which seen live for (from one sample on; a sample takes a few ms)", moveWindows);
     restart.say("SIGTERM mid-call, then a new start");
 
     // Last, as it ends the event log's server.

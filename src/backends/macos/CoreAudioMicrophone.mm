@@ -68,7 +68,8 @@ std::string uidOf(AudioDeviceID device) {
         !uid) {
         return {};
     }
-    return [(__bridge NSString*)uid.get() UTF8String] ?: "";
+    const char* text = [(__bridge NSString*)uid.get() UTF8String];
+    return text != nullptr ? std::string(text) : std::string();
 }
 
 std::optional<AudioDeviceID> deviceWithUID(const std::string& uid) {
