@@ -180,6 +180,9 @@ int measure(const std::string& programPath, int tries) {
     std::vector<double> ends;
     // Starts a call and times its mute; false when it was never muted.
     const auto join = [&](std::unique_ptr<ChildProcess>& call) {
+        // A mute left from the last try (an input muted ahead of a call that
+        // did not come) would pass for this join: it is lifted first.
+        whenMute(Audio::source, "no", 6s);
         const auto before = Clock::now();
         call = Audio::record();
         const auto muted = whenMute(Audio::source, "yes", 5s);
