@@ -28,3 +28,11 @@ if(TARGET hg_linux_audio_session)
     LIBS hg_linux_audio_session hushgremlin_linux hushgremlin_fake
   )
 endif()
+
+# The program's microphone mute seen from the audio server: join and end
+# latencies, and the cases that must leave no input stuck muted or live
+# (scripts/measure-microphone runs it).
+if(TARGET hg_linux_audio_session)
+  add_executable(microphone_mute_measure ${CMAKE_CURRENT_LIST_DIR}/linux/MicrophoneMuteMeasure.cpp)
+  target_link_libraries(microphone_mute_measure PRIVATE hg_linux_audio_session hushgremlin_warnings)
+endif()

@@ -1,6 +1,6 @@
 // What the system microphone costs the watcher's tick: the reading it makes
-// (in use, then muted) while nothing changes, which should not wait for the
-// server at all, and the same reading after the mute changed, which reads the
+// (the default input, whether it records, whether it is muted) while nothing changes, which should
+// not wait for the server at all, and the same reading after the mute changed, which reads the
 // default source and its streams again. On a private PipeWire with one
 // recording client.
 
@@ -34,7 +34,9 @@ Rig* rig(std::string& failure) {
             candidate->server = test::PipeWireSession::start(why);
             if (candidate->server != nullptr) {
                 candidate->call = test::PipeWireSession::record();
-                if (test::waitUntil([candidate] { return candidate->mic.isInUse(); })) {
+                if (test::waitUntil([candidate] {
+                        return candidate->mic.isRecording(test::PipeWireSession::source) == true;
+                    })) {
                     made = candidate;
                 } else {
                     why = "the recording client was never seen";
@@ -54,8 +56,9 @@ void idleReading(benchmark::State& state) {
         return;
     }
     for (auto _ : state) {
-        benchmark::DoNotOptimize(r->mic.isInUse());
-        benchmark::DoNotOptimize(r->mic.isMuted());
+        const std::string input = r->mic.defaultInput();
+        benchmark::DoNotOptimize(r->mic.isRecording(input));
+        benchmark::DoNotOptimize(r->mic.isMuted(input));
     }
 }
 BENCHMARK(idleReading);
@@ -70,9 +73,10 @@ void readingAfterAMute(benchmark::State& state) {
     bool muted = false;
     for (auto _ : state) {
         muted = !muted;
-        r->mic.setMuted(muted);
-        benchmark::DoNotOptimize(r->mic.isInUse());
-        benchmark::DoNotOptimize(r->mic.isMuted());
+        r->mic.setMuted(test::PipeWireSession::source, muted);
+        const std::string input = r->mic.defaultInput();
+        benchmark::DoNotOptimize(r->mic.isRecording(input));
+        benchmark::DoNotOptimize(r->mic.isMuted(input));
     }
 }
 BENCHMARK(readingAfterAMute)->Unit(benchmark::kMicrosecond);

@@ -3,6 +3,7 @@
 #include "app/LaunchAtLogin.hpp"
 #include "app/RemoteControl.hpp"
 #include "app/WindowTable.hpp"
+#include "apps/InputMuteKeeper.hpp"
 #include "apps/MicrophoneMeetingApp.hpp"
 #include "apps/TupleMeetingApp.hpp"
 #include "apps/ZoomMeetingApp.hpp"
@@ -17,11 +18,16 @@
 
 namespace hg {
 
-AppDelegate::AppDelegate(Platform& platform)
-    : platform_(platform), remoteControl_(std::make_unique<RemoteControl>(*this)),
+AppDelegate::AppDelegate(Platform& platform, Departures departures)
+    : platform_(platform), departures_(departures),
+      remoteControl_(std::make_unique<RemoteControl>(*this)),
       self_(std::make_shared<AppDelegate*>(this)) {}
 
-AppDelegate::~AppDelegate() = default;
+AppDelegate::~AppDelegate() {
+    if (inputMuteKeeper_) {
+        platform_.microphone.setChangeHandler({});
+    }
+}
 
 std::string AppDelegate::applicationVersion() {
 #ifdef HG_VERSION
@@ -77,12 +83,22 @@ void AppDelegate::startUp() {
         *userData_, meetingApps_, [this](bool hasAX) { axChanged(hasAX); },
         [this](MeetingApp& app) { showSetupWindow(app); }, platform_.accessibility,
         platform_.defaults, platform_.timers, platform_.out);
+    watcher_->setJoinPastOtherSetupNeeds(departures_.joinPastOtherSetupNeeds);
     // Any other call app, through the system's default input: last, and only
-    // while the user has asked for it.
-    watcher_->addOptionalApp(
-        std::string(UserPrefs::microphoneKey),
-        std::make_shared<MicrophoneMeetingApp>(platform_.microphone, platform_.out));
+    // while the user has asked for it. The mutes it puts on are kept in a
+    // book that outlives the switch and the process.
+    inputMuteKeeper_ = std::make_unique<InputMuteKeeper>(
+        platform_.microphone, platform_.defaults, platform_.clock, platform_.timers, platform_.out,
+        InputMuteKeeper::Options{.switchKey = std::string(UserPrefs::microphoneKey),
+                                 .grace = departures_.microphoneGrace});
+    watcher_->addOptionalApp(std::string(UserPrefs::microphoneKey),
+                             std::make_shared<MicrophoneMeetingApp>(
+                                 platform_.microphone, *inputMuteKeeper_, platform_.out));
+    if (departures_.readOnMicrophoneChange) {
+        platform_.microphone.setChangeHandler([this] { microphoneChanged(); });
+    }
     watcher_->start();
+    inputMuteKeeper_->start();
     askForAShortcutOnce();
 }
 
@@ -100,7 +116,19 @@ void AppDelegate::askForAShortcutOnce() {
 }
 
 void AppDelegate::applicationWillTerminate() {
+    if (inputMuteKeeper_) {
+        inputMuteKeeper_->quit();
+    }
     platform_.out.line("Goodbye cruel world!");
+}
+
+void AppDelegate::microphoneChanged() {
+    // A recording that starts is muted on join now, not at the next tick;
+    // one that ends lifts the mute now (or when its grace period ends).
+    if (watcher_ && platform_.defaults.boolForKey(UserPrefs::microphoneKey)) {
+        watcher_->readNow();
+    }
+    inputMuteKeeper_->settle();
 }
 
 void AppDelegate::setupBinding() {

@@ -15,6 +15,7 @@ class DoubleTap;
 class GlobalHotkeyMonitor;
 class GremlinMenu;
 class HotkeyRecorder;
+class InputMuteKeeper;
 class LaunchAtLogin;
 class MeetingApp;
 class RemoteControl;
@@ -31,16 +32,40 @@ class AppDelegate {
 public:
     static constexpr std::string_view tupleCLIPath = "/usr/local/bin/tuple";
 
+    // Where the programs depart on purpose from the behaviour the simulator
+    // keeps, so that the user is never made live or left muted by surprise.
+    // The defaults are the simulator's.
+    struct Departures {
+        // A recording on an input the program muted that ends and comes back
+        // within this time is the same call: the mute is lifted only after
+        // the input has been idle this long.
+        Duration microphoneGrace{0};
+        // A shown setupError from other apps does not hide a join (see
+        // Watcher::setJoinPastOtherSetupNeeds).
+        bool joinPastOtherSetupNeeds = false;
+        // Reads at once when the system microphone reports a change.
+        bool readOnMicrophoneChange = false;
+
+        // Those of the desktop programs.
+        static Departures ofPrograms() {
+            return Departures{.microphoneGrace = std::chrono::milliseconds(1500),
+                              .joinPastOtherSetupNeeds = true,
+                              .readOnMicrophoneChange = true};
+        }
+    };
+
     // `platform` and every port in it must outlive this object. Builds nothing
     // yet: that is startUp(), once the application has finished launching.
-    explicit AppDelegate(Platform& platform);
+    explicit AppDelegate(Platform& platform) : AppDelegate(platform, Departures{}) {}
+    AppDelegate(Platform& platform, Departures departures);
     ~AppDelegate();
     AppDelegate(const AppDelegate&) = delete;
     AppDelegate& operator=(const AppDelegate&) = delete;
 
     // Builds and starts everything. Call once.
     void startUp();
-    // The application is about to end: a farewell line, nothing saved.
+    // The application is about to end: mutes the program put on an input
+    // nothing records from any more are lifted, then a farewell line.
     void applicationWillTerminate();
 
     // Where key events never carry fn, the default shortcut cannot be
@@ -114,14 +139,18 @@ private:
     // Activates the application (unless `activate` is false) and brings the
     // window forward.
     void bringForward(WindowId id, bool activate = true);
+    // The system microphone reported a change.
+    void microphoneChanged();
 
     Platform& platform_;
+    Departures departures_;
 
     // Declared so that everything holding references into the status store
     // and the menu is destroyed before them.
     std::unique_ptr<GremlinMenu> gremlinBarItem_;
     std::unique_ptr<UserData> userData_;
     std::vector<std::shared_ptr<MeetingApp>> meetingApps_;
+    std::unique_ptr<InputMuteKeeper> inputMuteKeeper_;
     std::shared_ptr<DoubleTap> doubleTap_;
     std::unique_ptr<GlobalHotkeyMonitor> hotkeyMonitor_;
     std::unique_ptr<Watcher> watcher_;

@@ -4,26 +4,45 @@
 
 namespace hg {
 
-MicrophoneMeetingApp::MicrophoneMeetingApp(Microphone& microphone, LineSink& out)
-    : microphone_(microphone), out_(out) {}
+MicrophoneMeetingApp::MicrophoneMeetingApp(Microphone& microphone, InputMuteKeeper& keeper,
+                                           LineSink& out)
+    : microphone_(microphone), keeper_(keeper), out_(out) {}
 
 MeetingStatus MicrophoneMeetingApp::fetchStatus() {
-    if (!microphone_.isInUse()) {
-        if (mutedHere_) {
-            mutedHere_ = false;
-            out_.line("Microphone: nothing records any more, lifting the mute set during the call");
-            if (!microphone_.setMuted(false)) {
-                out_.line("Microphone: could not unmute the input");
-            }
-        }
+    keeper_.settle();
+    const std::string input = microphone_.defaultInput();
+    if (input.empty()) {
         return MeetingStatus::notRunning;
     }
-    const auto muted = microphone_.isMuted();
+    if (!lastInput_.empty() && input != lastInput_ && keeper_.holds(lastInput_)) {
+        // The default input changed during a call the program keeps muted.
+        // Call apps that follow the default move their stream over: the mute
+        // goes first, and is lifted like any other once nothing records.
+        if (microphone_.isMuted(input) == false) {
+            out_.line("Microphone: the default input changed during a muted call, muting " + input +
+                      " too");
+            if (microphone_.setMuted(input, true)) {
+                keeper_.remember(input);
+            } else {
+                out_.line("Microphone: could not mute the input");
+            }
+        }
+    }
+    lastInput_ = input;
+    const auto recording = microphone_.isRecording(input);
+    if (!recording) {
+        return MeetingStatus::error;
+    }
+    if (!*recording) {
+        return MeetingStatus::notRunning;
+    }
+    const auto muted = microphone_.isMuted(input);
     if (!muted) {
         return MeetingStatus::error;
     }
     if (!*muted) {
-        mutedHere_ = false;
+        // Unmuted elsewhere: no mute of ours stands on it any more.
+        keeper_.forget(input);
     }
     return *muted ? MeetingStatus::onMute : MeetingStatus::offMute;
 }
@@ -34,12 +53,17 @@ MeetingStatus MicrophoneMeetingApp::toggleMute(MeetingStatus fromStatus) {
         return fromStatus;
     }
     const bool mute = fromStatus == MeetingStatus::offMute;
-    if (!microphone_.setMuted(mute)) {
+    const std::string input = microphone_.defaultInput();
+    if (!microphone_.setMuted(input, mute)) {
         out_.line(mute ? "Microphone: could not mute the input"
                        : "Microphone: could not unmute the input");
         return MeetingStatus::error;
     }
-    mutedHere_ = mute;
+    if (mute) {
+        keeper_.remember(input);
+    } else {
+        keeper_.forget(input);
+    }
     return MeetingStatus::offMute;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "apps/InputMuteKeeper.hpp"
 #include "core/MeetingApp.hpp"
 #include "ports/LineSink.hpp"
 #include "ports/Microphone.hpp"
@@ -14,18 +15,22 @@ namespace hg {
 // it there is a call, muted or live as the input is. Toggling mutes or
 // unmutes the input itself, which silences whatever records from it.
 //
-// A mute this adapter put on the input lasts as long as the recording: when
-// nothing records any more it lifts it, so that the next call, which may be
-// one the program drives through the app's own mute, does not start silent.
+// A mute this adapter puts on the input goes into `keeper`'s book and lasts
+// as long as the recording: once nothing records from that input any more it
+// is lifted, so that the next call, which may be one the program drives
+// through the app's own mute, does not start silent. When the default input
+// changes while the book holds the old one, the new one is muted too before
+// the call's stream can move over to it.
 class MicrophoneMeetingApp final : public MeetingApp {
 public:
-    MicrophoneMeetingApp(Microphone& microphone, LineSink& out);
+    MicrophoneMeetingApp(Microphone& microphone, InputMuteKeeper& keeper, LineSink& out);
 
     static constexpr std::string_view appName = "Microphone";
     [[nodiscard]] std::string name() const override { return std::string(appName); }
 
-    // notRunning while nothing records; onMute or offMute from the input's
-    // mute; error when the mute cannot be read.
+    // notRunning while nothing records from the default input (or there is
+    // none); onMute or offMute from its mute; error when either cannot be
+    // read. Settles the keeper's book first.
     MeetingStatus fetchStatus() override;
 
     // Unmutes from onMute and mutes from offMute: offMute when done, error
@@ -36,9 +41,10 @@ public:
 
 private:
     Microphone& microphone_;
+    InputMuteKeeper& keeper_;
     LineSink& out_;
-    // The last mute set here is still standing: nobody unmuted since.
-    bool mutedHere_ = false;
+    // The default input at the last reading.
+    std::string lastInput_;
 };
 
 } // namespace hg

@@ -3,6 +3,7 @@
 #include "apps/ZoomMeetingApp.hpp"
 
 #include <algorithm>
+#include <utility>
 
 namespace hg {
 
@@ -99,12 +100,36 @@ void Watcher::poll() {
         setAXAccess(false);
     }
 
+    backOff_.nextTick();
+    const auto apps = polledApps();
+    read(apps, before, hadAXAccess, trusted);
+    reportSetupNeeds(apps);
+}
+
+void Watcher::readNow() {
+    const bool hasAXAccess = userData_.hasAXAccess();
+    read(polledApps(), userData_.truestStatus(), hasAXAccess, hasAXAccess);
+}
+
+bool Watcher::isJoin(MeetingStatus before, const std::set<std::string>& setupBefore) const {
+    if (isWithoutMeeting(before)) {
+        return true;
+    }
+    // "Setup Required..." from one app says nothing about a call in another:
+    // a microphone call that starts while Zoom runs untrusted is a join.
+    // Passing from setupError to a meeting in the app that needed setup is
+    // not: that meeting may have been live for a while.
+    return joinPastOtherSetupNeeds_ && before == MeetingStatus::setupError &&
+           userData_.activeApp() != nullptr && !setupBefore.contains(userData_.activeApp()->name());
+}
+
+void Watcher::read(const std::vector<std::shared_ptr<MeetingApp>>& apps, MeetingStatus before,
+                   bool hadAXAccess, bool trusted) {
     // The application already in a meeting keeps priority over those before
     // it in the list; only when it has left is the list asked, in order. One
     // whose switch went off is not asked at all. One that gives no answer has
-    // not left: it stays active and the shown status stays, for this tick.
-    backOff_.nextTick();
-    const auto apps = polledApps();
+    // not left: it stays active and the shown status stays, for this reading.
+    const std::set<std::string> setupBefore = std::exchange(setupAnswers_, {});
     const std::shared_ptr<MeetingApp> previous = userData_.activeApp();
     MeetingStatus status = MeetingStatus::noMeeting;
     std::shared_ptr<MeetingApp> active;
@@ -122,6 +147,7 @@ void Watcher::poll() {
             const auto answer = ask(*app);
             if (answer == MeetingStatus::setupError) {
                 status = *answer;
+                setupAnswers_.insert(app->name());
             } else if (answer && isInMeeting(*answer)) {
                 status = *answer;
                 active = app;
@@ -152,8 +178,8 @@ void Watcher::poll() {
     }
 
     // Only on the tick on which the shown status goes from no meeting to live.
-    if (isWithoutMeeting(before) && shown == MeetingStatus::offMute &&
-        userData_.activeApp() != nullptr) {
+    if (shown == MeetingStatus::offMute && userData_.activeApp() != nullptr &&
+        isJoin(before, setupBefore)) {
         const std::string name = userData_.activeApp()->name();
         if (shouldMuteOnJoin(name)) {
             out_.line("TOGGLING (auto-mute on join for " + name + ")");
@@ -167,8 +193,6 @@ void Watcher::poll() {
         out_.line("SET FALSE LATE");
         setAXAccess(false);
     }
-
-    reportSetupNeeds(apps);
 }
 
 void Watcher::reportSetupNeeds(const std::vector<std::shared_ptr<MeetingApp>>& apps) {

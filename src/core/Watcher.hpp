@@ -51,6 +51,17 @@ public:
     // One tick. Only the timer calls it in the running program.
     void poll();
 
+    // A reading out of the tick, as soon as a source reports a change (a
+    // recording started or ended): the same rules as a tick, mute on join
+    // included, but without the permission test (taken as it stands) and
+    // without setup reporting, which stay once a second.
+    void readNow();
+
+    // Whether a shown setupError that came from other apps than the one now
+    // in a meeting counts as "no meeting" for mute on join (off at first:
+    // then only notRunning and noMeeting do).
+    void setJoinPastOtherSetupNeeds(bool on) { joinPastOtherSetupNeeds_ = on; }
+
     // "muteOnJoin_<name>" in the user defaults; an absent key means yes.
     [[nodiscard]] bool shouldMuteOnJoin(std::string_view appName) const;
 
@@ -71,6 +82,13 @@ private:
     // did not answer in time.
     std::optional<MeetingStatus> ask(MeetingApp& app);
     void setAXAccess(bool hasAXAccess);
+    // Steps from resolving the status to the join rule and the late
+    // permission test; `before` and `hadAXAccess` as they stood before.
+    void read(const std::vector<std::shared_ptr<MeetingApp>>& apps, MeetingStatus before,
+              bool hadAXAccess, bool trusted);
+    // Whether passing from `before` to a live meeting of the active app is a
+    // join; `setupBefore`: the apps that answered setupError last reading.
+    [[nodiscard]] bool isJoin(MeetingStatus before, const std::set<std::string>& setupBefore) const;
     void reportSetupNeeds(const std::vector<std::shared_ptr<MeetingApp>>& apps);
 
     UserData& userData_;
@@ -80,6 +98,9 @@ private:
     std::function<void(MeetingApp&)> setupCallback_;
     std::set<std::string> reportedSetupApps_;
     AnswerBackOff backOff_;
+    // The apps that answered setupError in the latest reading.
+    std::set<std::string> setupAnswers_;
+    bool joinPastOtherSetupNeeds_ = false;
 
     Accessibility& accessibility_;
     const UserDefaults& defaults_;

@@ -1,6 +1,7 @@
 // The delegate's decisions that no scenario shows: reuse of windows, the
-// setup row's priorities, the first binding made on a trust report, and
-// callbacks outliving the delegate. The stories a user sees end to end are
+// setup row's priorities, the first binding made on a trust report,
+// callbacks outliving the delegate, and the programs' book of microphone
+// mutes. The stories a user sees end to end are
 // scenario tests.
 #include "app/AppDelegate.hpp"
 
@@ -296,6 +297,140 @@ TEST_F(AppDelegateTest, TheUpdateCallbackOutlivingTheDelegateDoesNothing) {
         shortLived.startUp();
     }
     EXPECT_NO_FATAL_FAILURE(updater.reportValidUpdate());
+}
+
+// The desktop programs, with the system microphone switched on: a recording
+// reported by the audio service is read (and muted on join) at once.
+class ProgramMicrophoneTest : public AppDelegateTest {
+protected:
+    ProgramMicrophoneTest() { defaults.setBool(UserPrefs::microphoneKey, true); }
+
+    void join() {
+        microphone.recording = true;
+        microphone.announceChange();
+        ASSERT_TRUE(microphone.muted) << "muted on join without waiting for a tick";
+    }
+    void end(bool recording = false) {
+        microphone.recording = recording;
+        microphone.announceChange();
+    }
+    [[nodiscard]] bool booked() const { return defaults.hasObject("microphoneMutedInputs"); }
+
+    // Started, past the first tick (a call live before it is no join).
+    void start() {
+        program = std::make_unique<AppDelegate>(platform, AppDelegate::Departures::ofPrograms());
+        program->startUp();
+        timers.advanceSeconds(1.0);
+    }
+
+    std::unique_ptr<AppDelegate> program;
+};
+
+TEST_F(ProgramMicrophoneTest, AStreamReopenedWithinTheGraceIsTheSameCallAndTheEndLiftsTheMute) {
+    accessibility.setTrusted(true);
+    start();
+    join();
+    EXPECT_TRUE(booked());
+
+    end();
+    timers.advanceSeconds(0.5);
+    end(true);
+    timers.advanceSeconds(3.0);
+    EXPECT_TRUE(microphone.muted) << "a reopened stream must not record live";
+    EXPECT_EQ(microphone.requests(), std::vector<bool>{true});
+
+    end();
+    timers.advanceSeconds(1.4);
+    EXPECT_TRUE(microphone.muted);
+    timers.advanceSeconds(0.2);
+    EXPECT_FALSE(microphone.muted) << "lifted once the grace period has passed";
+    EXPECT_FALSE(booked());
+}
+
+TEST_F(ProgramMicrophoneTest, TheBookOutlivesTheDefaultInputAnOutageTheSwitchAndTheProcess) {
+    accessibility.setTrusted(true);
+    start();
+
+    // A headset becomes the default while the call records from the old input.
+    join();
+    microphone.switchDefault("headset");
+    microphone.announceChange();
+    timers.advanceSeconds(3.0);
+    EXPECT_TRUE(microphone.others["default"].muted) << "still recorded";
+    microphone.others["default"].recording = false;
+    microphone.announceChange();
+    timers.advanceSeconds(2.0);
+    EXPECT_FALSE(microphone.others["default"].muted);
+    EXPECT_FALSE(microphone.muted) << "the new input, muted ahead of the call, is idle";
+
+    // Back to the first input, and the call's stream follows the default:
+    // the mute goes first.
+    join();
+    microphone.switchDefault("default");
+    microphone.announceChange();
+    EXPECT_TRUE(microphone.muted) << "muted before the call moves";
+    microphone.recording = true;
+    microphone.others["headset"].recording = false;
+    microphone.announceChange();
+    EXPECT_TRUE(microphone.muted);
+    timers.advanceSeconds(2.0);
+    EXPECT_FALSE(microphone.others["headset"].muted);
+    end();
+    timers.advanceSeconds(2.0);
+    EXPECT_FALSE(microphone.muted);
+
+    // The audio service is out of reach: unknown is not "nothing records".
+    timers.advanceSeconds(1.0);
+    join();
+    microphone.failing = true;
+    microphone.recording = false;
+    timers.advanceSeconds(10.0);
+    EXPECT_TRUE(microphone.muted);
+    EXPECT_TRUE(booked());
+    microphone.failing = false;
+    timers.advanceSeconds(3.0);
+    EXPECT_FALSE(microphone.muted);
+
+    // Switched off mid-call: nothing changes while the call records, and the
+    // end still lifts the mute.
+    timers.advanceSeconds(1.0);
+    join();
+    defaults.setBool(UserPrefs::microphoneKey, false);
+    timers.advanceSeconds(3.0);
+    EXPECT_TRUE(microphone.muted);
+    microphone.recording = false;
+    timers.advanceSeconds(3.0);
+    EXPECT_FALSE(microphone.muted);
+    defaults.setBool(UserPrefs::microphoneKey, true);
+
+    // Quit mid-call: left muted, and lifted by the next start once the call
+    // ends; quit after the call: lifted at once.
+    timers.advanceSeconds(1.0);
+    join();
+    program->applicationWillTerminate();
+    program.reset();
+    EXPECT_TRUE(microphone.muted);
+    start();
+    timers.advanceSeconds(3.0);
+    EXPECT_TRUE(microphone.muted);
+    end();
+    timers.advanceSeconds(2.0);
+    EXPECT_FALSE(microphone.muted);
+    EXPECT_FALSE(booked());
+
+    join();
+    microphone.recording = false;
+    program->applicationWillTerminate();
+    EXPECT_FALSE(microphone.muted);
+}
+
+TEST_F(ProgramMicrophoneTest, AnUntrustedZoomDoesNotHideAMicrophoneCallsJoin) {
+    running.add(std::string("us.zoom.xos"), 7);
+    accessibility.setTrusted(false);
+    start();
+    ASSERT_EQ(program->userData()->truestStatus(), MeetingStatus::setupError);
+    join();
+    EXPECT_EQ(program->userData()->activeApp()->name(), "Microphone");
 }
 
 } // namespace

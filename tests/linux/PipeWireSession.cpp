@@ -3,6 +3,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <cstdlib>
+#include <sstream>
 
 namespace hg::test {
 
@@ -28,15 +29,34 @@ std::unique_ptr<PipeWireSession> PipeWireSession::start(std::string& whyNot) {
         }
     }
     std::unique_ptr<PipeWireSession> server(new PipeWireSession());
-    const std::string logs = DesktopSession::shared()->scratchDir() + "/";
     ::unsetenv("PULSE_SERVER");
-    for (const char* daemon : {"pipewire", "wireplumber", "pipewire-pulse"}) {
-        server->daemons_.push_back(std::make_unique<ChildProcess>(std::vector<std::string>{daemon},
-                                                                  logs + daemon + ".log"));
+    for (const char* daemon : {"pipewire", "wireplumber"}) {
+        server->daemons_.push_back(startDaemon(daemon));
     }
+    if (!server->startPulseServer(whyNot)) {
+        return nullptr;
+    }
+    return server;
+}
+
+std::unique_ptr<ChildProcess> PipeWireSession::startDaemon(const char* name) {
+    return std::make_unique<ChildProcess>(std::vector<std::string>{name},
+                                          DesktopSession::shared()->scratchDir() + "/" + name +
+                                              ".log");
+}
+
+bool PipeWireSession::restartPulseServer(std::string& whyNot) {
+    daemons_.back()->stop();
+    daemons_.pop_back();
+    return startPulseServer(whyNot);
+}
+
+bool PipeWireSession::startPulseServer(std::string& whyNot) {
+    const std::string logs = DesktopSession::shared()->scratchDir() + "/";
+    daemons_.push_back(startDaemon("pipewire-pulse"));
     if (!waitUntil([] { return pactl({QStringLiteral("info")}).has_value(); })) {
         whyNot = "PipeWire's PulseAudio server did not answer (see " + logs + "*.log)";
-        return nullptr;
+        return false;
     }
     // On a busy machine the server may answer before it can load modules:
     // the source is loaded again until it is there.
@@ -58,24 +78,64 @@ std::unique_ptr<PipeWireSession> PipeWireSession::start(std::string& whyNot) {
         whyNot =
             "the virtual source did not become the default input; sources: " + listed("sources") +
             "; logs: " + logs + "*.log";
-        return nullptr;
+        return false;
     }
     // Live, whatever wireplumber remembers of an earlier run.
     setSourceMute(false);
-    return server;
+    return true;
+}
+
+bool PipeWireSession::addSource(const char* name) {
+    pactl({QStringLiteral("load-module"), QStringLiteral("module-null-sink"),
+           QStringLiteral("media.class=Audio/Source/Virtual"),
+           QStringLiteral("sink_name=") + QString::fromLatin1(name),
+           QStringLiteral("channel_map=mono")});
+    return waitUntil([name] { return mute(name) == "no" || mute(name) == "yes"; });
+}
+
+bool PipeWireSession::recordedSourcesMuted() {
+    // "INDEX SOURCE CLIENT ..." per stream; "INDEX NAME ..." per source.
+    const auto column = [](const std::string& line, int which) {
+        std::istringstream words(line);
+        std::string word;
+        for (int i = 0; i <= which; ++i) {
+            words >> word;
+        }
+        return word;
+    };
+    std::istringstream streams(
+        pactl({QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("source-outputs")})
+            .value_or(""));
+    const std::string sources =
+        pactl({QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("sources")})
+            .value_or("");
+    for (std::string stream; std::getline(streams, stream);) {
+        std::istringstream lines(sources);
+        for (std::string source; std::getline(lines, source);) {
+            if (column(source, 0) == column(stream, 1) &&
+                mute(column(source, 1).c_str()) != "yes") {
+                return false;
+            }
+        }
+    }
+    return true;
+}
+
+void PipeWireSession::setDefaultSource(const char* name) {
+    pactl({QStringLiteral("set-default-source"), QString::fromLatin1(name)});
 }
 
 void PipeWireSession::removeSource() {
     pactl({QStringLiteral("unload-module"), QStringLiteral("module-null-sink")});
 }
 
-std::unique_ptr<ChildProcess> PipeWireSession::record() {
+std::unique_ptr<ChildProcess> PipeWireSession::record(const char* from) {
     return std::make_unique<ChildProcess>(
-        std::vector<std::string>{"parecord", "--device=" + std::string(source), "/dev/null"});
+        std::vector<std::string>{"parecord", "--device=" + std::string(from), "/dev/null"});
 }
 
-std::string PipeWireSession::sourceMute() {
-    const auto answer = pactl({QStringLiteral("get-source-mute"), QString::fromLatin1(source)});
+std::string PipeWireSession::mute(const char* name) {
+    const auto answer = pactl({QStringLiteral("get-source-mute"), QString::fromLatin1(name)});
     return answer ? answer->substr(answer->find(' ') + 1) : "unreadable";
 }
 

@@ -28,21 +28,35 @@ public:
     // reason, when the server does not come up. The daemons end with it.
     static std::unique_ptr<PipeWireSession> start(std::string& whyNot);
 
-    // A call app recording from the default input, until it is destroyed.
-    static std::unique_ptr<ChildProcess> record();
+    // A call app recording from `from` (the default input's name at first),
+    // until it is destroyed.
+    static std::unique_ptr<ChildProcess> record(const char* from = source);
 
-    // "yes" or "no", as pactl reads the default input's mute.
-    static std::string sourceMute();
+    // "yes" or "no", as pactl reads a source's mute (the default input's).
+    static std::string mute(const char* name);
+    static std::string sourceMute() { return mute(source); }
     static void setSourceMute(bool muted);
+    // Another virtual source, as a headset that is plugged in; true once the
+    // server lists it.
+    static bool addSource(const char* name);
+    static void setDefaultSource(const char* name);
+    // Whether every source some stream records from is muted (true when
+    // none is recorded).
+    static bool recordedSourcesMuted();
     // Unplugs the virtual source.
     static void removeSource();
 
     // To the PulseAudio server (pipewire-pulse).
     void signalPulseServer(int number) const { daemons_.back()->signal(number); }
     void stop() { daemons_.clear(); }
+    // Ends the PulseAudio server and starts it again with the virtual source
+    // as the default input; false, with the reason, when it does not answer.
+    bool restartPulseServer(std::string& whyNot);
 
 private:
     PipeWireSession() = default;
+    static std::unique_ptr<ChildProcess> startDaemon(const char* name);
+    bool startPulseServer(std::string& whyNot);
     std::vector<std::unique_ptr<ChildProcess>> daemons_;
 };
 

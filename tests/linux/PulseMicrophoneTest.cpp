@@ -8,6 +8,7 @@
 #include "PipeWireSession.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 
+#include <QDir>
 #include <QSettings>
 #include <csignal>
 #include <gmock/gmock.h>
@@ -43,38 +44,51 @@ protected:
 TEST_F(RealMicrophone, TheBackendFollowsTheRecordingAndTheMuteAndSurvivesTheServer) {
     BufferLineSink out;
     PulseMicrophone mic(out);
-    EXPECT_FALSE(mic.isInUse());
-    EXPECT_EQ(mic.isMuted(), false);
+    int changes = 0;
+    mic.setChangeHandler([&changes] { ++changes; });
+    const std::string input = Audio::source;
+    EXPECT_EQ(mic.defaultInput(), input);
+    EXPECT_EQ(mic.isRecording(input), false);
+    EXPECT_EQ(mic.isMuted(input), false);
+    EXPECT_EQ(mic.isRecording("no such input"), std::nullopt);
 
+    // Each change that alters an answer is announced from the main loop.
     auto call = Audio::record();
-    ASSERT_TRUE(waitUntil([&] { return mic.isInUse(); }));
-    ASSERT_TRUE(mic.setMuted(true));
+    ASSERT_TRUE(waitUntil([&] { return changes > 0; })) << "a new recording is announced";
+    EXPECT_EQ(mic.isRecording(input), true);
+    ASSERT_TRUE(mic.setMuted(input, true));
     EXPECT_EQ(Audio::sourceMute(), "yes");
+    changes = 0;
     Audio::setSourceMute(false);
-    EXPECT_TRUE(waitUntil([&] { return mic.isMuted() == false; })) << "a change made elsewhere";
+    EXPECT_TRUE(waitUntil([&] { return changes > 0; })) << "a change made elsewhere";
+    EXPECT_EQ(mic.isMuted(input), false);
 
+    changes = 0;
     call.reset();
-    EXPECT_TRUE(waitUntil([&] { return !mic.isInUse(); }));
+    EXPECT_TRUE(waitUntil([&] { return changes > 0; })) << "the end of the recording";
+    EXPECT_EQ(mic.isRecording(input), false);
 
     // The server hangs while there is an input to mute: the mute gives up,
-    // and the answers are "not available" until the server answers again.
+    // and the answers are "unknown" until the server answers again.
     server_->signalPulseServer(SIGSTOP);
-    EXPECT_FALSE(mic.setMuted(true));
+    EXPECT_FALSE(mic.setMuted(input, true));
     EXPECT_THAT(out.lines(), Contains("Microphone: lost the audio server (no answer in time)"));
-    EXPECT_FALSE(mic.isMuted().has_value());
+    EXPECT_FALSE(mic.isMuted(input).has_value());
+    EXPECT_FALSE(mic.isRecording(input).has_value());
     server_->signalPulseServer(SIGCONT);
 
     // The input vanishes while recorded: the server falls back to a sink's
     // monitor, which is no microphone.
     call = Audio::record();
-    ASSERT_TRUE(waitUntil([&] { return mic.isInUse(); }));
+    ASSERT_TRUE(waitUntil([&] { return mic.isRecording(input) == true; }));
     Audio::removeSource();
-    EXPECT_TRUE(waitUntil([&] { return !mic.isInUse(); }));
+    EXPECT_TRUE(waitUntil([&] { return mic.isRecording(mic.defaultInput()) == false; }));
+    EXPECT_EQ(mic.isRecording(input), std::nullopt);
 
     // The server goes away: the answers say so, without a crash.
     server_->stop();
-    EXPECT_FALSE(mic.isInUse());
-    EXPECT_FALSE(mic.setMuted(true));
+    EXPECT_EQ(mic.defaultInput(), "");
+    EXPECT_FALSE(mic.setMuted(input, true));
 }
 
 // `hushgremlin WORD`, as a script runs it.
@@ -127,6 +141,101 @@ TEST_F(RealMicrophone, TheProgramMutesARecordingSourceOnlyWithTheSwitchOn) {
     program.signal(SIGTERM);
     ASSERT_TRUE(program.waitForLine("Goodbye cruel world!"));
     EXPECT_THAT(program.linesRead(), Contains("Microphone: connected to the audio server"));
+}
+
+// The mute the program puts on is bookkeeping: whatever happens during the
+// call, the input ends unmuted once no call records from it, never before.
+TEST_F(RealMicrophone, TheProgramLiftsItsMuteOnceNoCallRecordsWhateverHappensMeanwhile) {
+    const std::string config = DesktopSession::shared()->scratchDir() + "/microphone-book-config";
+    const std::vector<std::string> start{"env", "XDG_CONFIG_HOME=" + config, "QT_QPA_PLATFORM=xcb",
+                                         HG_DESKTOP_PROGRAM};
+    const std::string log = DesktopSession::shared()->scratchDir() + "/hushgremlin-book.log";
+    QDir().mkpath(QString::fromStdString(config + "/HushGremlin"));
+    QSettings settings(QString::fromStdString(config + "/HushGremlin/HushGremlin.conf"),
+                       QSettings::IniFormat);
+    settings.setValue("muteMicrophoneInOtherApps", true);
+    settings.sync();
+    // With the desktop's accessibility off, as here, the microphone works in
+    // full all the same.
+    auto program = std::make_unique<ChildProcess>(start, log);
+    // A call already live at the first reading is no join: one more tick.
+    ASSERT_TRUE(program->waitForLine("GOT AX"));
+    ASSERT_TRUE(program->waitForLine("GOT AX"));
+    // Muted on join; nothing while it stays muted for `span`.
+    const auto joined = [] { return waitUntil([] { return Audio::sourceMute() == "yes"; }); };
+    const auto staysMuted = [](std::chrono::milliseconds span) {
+        const auto end = std::chrono::steady_clock::now() + span;
+        while (std::chrono::steady_clock::now() < end) {
+            if (Audio::sourceMute() != "yes") {
+                return false;
+            }
+        }
+        return true;
+    };
+    const auto lifted = [](const char* input) {
+        return waitUntil([input] { return Audio::mute(input) == "no"; });
+    };
+
+    // The call reopens its stream half a second later: the same call.
+    auto call = Audio::record();
+    ASSERT_TRUE(joined());
+    call.reset();
+    std::this_thread::sleep_for(500ms);
+    call = Audio::record();
+    EXPECT_TRUE(staysMuted(2500ms)) << "made live between two streams of one call";
+    call.reset();
+    EXPECT_TRUE(lifted(Audio::source));
+
+    // A headset becomes the default input while the call goes on: wherever
+    // the call's stream goes, it stays muted, and both inputs are live once
+    // it ends.
+    constexpr const char* headset = "hg_headset_mic";
+    ASSERT_TRUE(Audio::addSource(headset));
+    call = Audio::record();
+    ASSERT_TRUE(joined());
+    Audio::setDefaultSource(headset);
+    const auto until = std::chrono::steady_clock::now() + 2500ms;
+    bool neverLive = true;
+    while (std::chrono::steady_clock::now() < until) {
+        neverLive = neverLive && Audio::recordedSourcesMuted();
+    }
+    EXPECT_TRUE(neverLive) << "the call recorded live after the default input changed";
+    call.reset();
+    EXPECT_TRUE(lifted(Audio::source)) << "the old input's mute is remembered";
+    EXPECT_TRUE(lifted(headset));
+    Audio::setDefaultSource(Audio::source);
+
+    // Ended mid-call: the input stays muted while the call records, and the
+    // next start lifts the mute once it ends.
+    call = Audio::record();
+    ASSERT_TRUE(joined());
+    program->signal(SIGTERM);
+    ASSERT_TRUE(program->waitForLine("Goodbye cruel world!"));
+    program.reset();
+    EXPECT_TRUE(staysMuted(1000ms));
+    program = std::make_unique<ChildProcess>(start, log);
+    ASSERT_TRUE(program->waitForLine("Microphone: lifting the mute an earlier run left on"));
+    EXPECT_TRUE(staysMuted(1500ms));
+    call.reset();
+    EXPECT_TRUE(lifted(Audio::source));
+
+    // The server restarts mid-call: unreachable is not "nothing records",
+    // and the program finds its input again.
+    call = Audio::record();
+    ASSERT_TRUE(joined());
+    std::string whyNot;
+    ASSERT_TRUE(server_->restartPulseServer(whyNot)) << whyNot;
+    // The virtual source went with the server; a real device's mute outlives
+    // it, as this one's does now.
+    Audio::setSourceMute(true);
+    call.reset();
+    EXPECT_TRUE(lifted(Audio::source)) << "a mute the book still holds";
+    EXPECT_THAT(program->linesRead(), Not(Contains(HasSubstr("could not unmute"))));
+    program->signal(SIGTERM);
+    ASSERT_TRUE(program->waitForLine("Goodbye cruel world!"));
+    settings.sync();
+    EXPECT_FALSE(settings.contains("microphoneMutedInputs"));
+    EXPECT_THAT(program->linesRead(), Contains("GOT AX:  false"));
 }
 
 } // namespace

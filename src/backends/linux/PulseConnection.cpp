@@ -1,6 +1,7 @@
 #include "backends/linux/PulseConnection.hpp"
 
 #include <algorithm>
+#include <poll.h>
 #include <pulse/error.h>
 #include <pulse/proplist.h>
 #include <pulse/subscribe.h>
@@ -16,7 +17,23 @@ bool settled(pa_context_state_t state) {
 } // namespace
 
 PulseConnection::PulseConnection(std::function<void()> onChange)
-    : onChange_(std::move(onChange)), loop_(pa_mainloop_new()) {}
+    : onChange_(std::move(onChange)), loop_(pa_mainloop_new()) {
+    if (loop_ != nullptr) {
+        pa_mainloop_set_poll_func(
+            loop_,
+            [](pollfd* descriptors, unsigned long count, int timeout, void* self) {
+                auto& seen = static_cast<PulseConnection*>(self)->readDescriptors_;
+                seen.clear();
+                for (unsigned long i = 0; i < count; ++i) {
+                    if ((descriptors[i].events & POLLIN) != 0) {
+                        seen.push_back(descriptors[i].fd);
+                    }
+                }
+                return ::poll(descriptors, count, timeout);
+            },
+            this);
+    }
+}
 
 PulseConnection::~PulseConnection() {
     if (context_ != nullptr) {

@@ -6,6 +6,7 @@
 #include <pulse/mainloop.h>
 #include <pulse/operation.h>
 #include <string>
+#include <vector>
 
 namespace hg {
 
@@ -41,12 +42,18 @@ public:
 
     [[nodiscard]] pa_context* context() const { return context_; }
 
+    // The descriptors the loop waited on for reading in its latest poll: what
+    // to watch from another loop to learn, without waiting, that the server
+    // has sent something (isReady() then handles it).
+    [[nodiscard]] const std::vector<int>& readDescriptors() const { return readDescriptors_; }
+
 private:
     // One poll of at most the time left until `deadline`, then dispatch.
     bool iterate(Clock::time_point deadline);
     [[nodiscard]] std::string lastError() const;
 
     std::function<void()> onChange_;
+    std::vector<int> readDescriptors_;
     pa_mainloop* loop_ = nullptr;
     pa_context* context_ = nullptr;
 };

@@ -8,16 +8,18 @@
 
 namespace hg {
 
-// The default input (the server's default source) through PulseAudio's
-// client library, which PipeWire serves as well through pipewire-pulse.
-// The source is in use while a stream other than ours records from it:
+// The inputs (the server's sources, named by their source names) through
+// PulseAudio's client library, which PipeWire serves as well through
+// pipewire-pulse. A source is recorded while a stream other than ours reads it:
 // streams that are paused (corked) and level meters (peak-detect streams, as
 // volume controls open them) do not count, and a sink's monitor is never a
 // microphone.
 //
 // Nothing connects before the first question. Then one connection stays open;
-// the server reports every change, and only then are the default source and
-// its streams read again, so an idle second costs one poll without waiting.
+// the server reports every change, and only then are the sources and the
+// streams read again, so an idle second costs one poll without waiting. With
+// a change handler set, the connection is watched from Qt's main loop and a
+// change that alters an answer is passed on at once.
 // When the server cannot be reached or stops answering, the answers are
 // "not available" and another attempt is made after `retryAfter`; each
 // outage is said once on `out`.
@@ -35,9 +37,12 @@ public:
     PulseMicrophone(const PulseMicrophone&) = delete;
     PulseMicrophone& operator=(const PulseMicrophone&) = delete;
 
-    bool isInUse() override;
-    std::optional<bool> isMuted() override;
-    bool setMuted(bool muted) override;
+    std::string defaultInput() override;
+    std::optional<bool> isRecording(const std::string& input) override;
+    std::optional<std::vector<std::string>> recordedInputs() override;
+    std::optional<bool> isMuted(const std::string& input) override;
+    bool setMuted(const std::string& input, bool muted) override;
+    void setChangeHandler(std::function<void()> onChange) override;
 
 private:
     struct Impl;

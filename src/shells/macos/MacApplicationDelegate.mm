@@ -30,7 +30,8 @@
     self = [super init];
     if (self != nil) {
         _platform = std::make_unique<hg::MacPlatform>((__bridge void*)self);
-        _application = std::make_unique<hg::AppDelegate>(_platform->platform());
+        _application = std::make_unique<hg::AppDelegate>(_platform->platform(),
+                                                         hg::AppDelegate::Departures::ofPrograms());
     }
     return self;
 }

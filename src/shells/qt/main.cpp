@@ -48,7 +48,7 @@ int main(int argc, char* argv[]) {
 
     hg::QuitOnSignal quitOnSignal;
     hg::DesktopPlatform desktop;
-    hg::AppDelegate delegate(desktop.platform());
+    hg::AppDelegate delegate(desktop.platform(), hg::AppDelegate::Departures::ofPrograms());
     hg::ScriptingService scripting(delegate.remoteControl(), desktop.platform().out);
 
     if (qEnvironmentVariableIsSet("HG_TRACE_STARTUP")) {
