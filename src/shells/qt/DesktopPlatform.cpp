@@ -83,14 +83,14 @@ std::unique_ptr<Microphone> makeMicrophone(LineSink& out) {
 } // namespace
 
 struct DesktopPlatform::Backends {
-    Backends() : statusItem(out), windows(defaults.settings(), application) {
+    Backends() : statusItem(out), windows(defaults, application) {
         statusItem.setNoTrayCallback(&tellThatTheIconIsHidden);
     }
 
     StdoutLineSink out;
     SystemClock clock;
     QtTimers timers;
-    QtUserDefaults defaults;
+    QtUserDefaults defaults{out};
     TrayStatusItem statusItem;
     QtApplication application;
     QtWindows windows;
