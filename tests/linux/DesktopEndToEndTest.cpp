@@ -19,6 +19,7 @@
 #include <QSettings>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
@@ -301,6 +302,82 @@ TEST_F(DesktopEndToEnd, PushToTalkHoldsAndADoubleTapLeavesTheMicrophoneOpen) {
         EXPECT_THAT(line, Not(AnyOf(HasSubstr("ERR"), HasSubstr("error"), HasSubstr("Failed"),
                                     HasSubstr("shortcut"))));
     }
+}
+
+// The first element under `root` (depth first) with this role (any role when
+// empty) and title.
+AXElementRef findElement(Accessibility& ax, const AXElementRef& root, const std::string& role,
+                         const std::string& title, int depth = 0) {
+    const auto text = [&ax](const AXElementRef& element, const char* attribute) {
+        auto value = ax.copyAttributeValue(element, attribute).value;
+        const auto* found = std::get_if<std::string>(&value);
+        return found != nullptr ? *found : std::string();
+    };
+    if ((role.empty() || text(root, "AXRole") == role) && text(root, "AXTitle") == title) {
+        return root;
+    }
+    auto children = ax.copyAttributeValue(root, "AXChildren").value;
+    const auto* list = std::get_if<std::vector<AXElementRef>>(&children);
+    for (std::size_t i = 0; list != nullptr && depth < 12 && i < list->size(); ++i) {
+        if (auto found = findElement(ax, (*list)[i], role, title, depth + 1)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+// Every control of the preferences window, through its accessibility action
+// alone (what a screen reader or a switch device does): the check boxes'
+// only action, "Toggle", changes the setting as a click does.
+TEST_F(DesktopEndToEnd, PreferencesControlsDoTheirWorkThroughTheirAccessibilityAction) {
+    ASSERT_TRUE(switch_.setEnabled(true));
+    const std::string config = DesktopSession::shared()->scratchDir() + "/accessible-config";
+    const QString settings = QString::fromStdString(config + "/HushGremlin/HushGremlin.conf");
+    ChildProcess& program = startProgram(config);
+    ASSERT_TRUE(program.waitForLine("GOT AX:  true"));
+    ChildProcess({"env", "XDG_CONFIG_HOME=" + config, HG_DESKTOP_PROGRAM, "preferences"})
+        .waitForExit(patience);
+    const auto stored = [&settings](const char* key) {
+        return QSettings(settings, QSettings::IniFormat).value(key).toString().toStdString();
+    };
+    ASSERT_TRUE(waitUntil([&] { return stored("muteOnJoin_Zoom") == "true"; }));
+
+    // A fresh look at the program's tree each time: the backend keeps what
+    // a walk learnt until the next one starts.
+    const auto find = [&](const char* role, const char* title) {
+        return findElement(ax_, ax_.createApplication(program.pid()), role, title);
+    };
+    const struct {
+        const char* title;
+        const char* key;
+        const char* after;
+    } boxes[] = {
+        {"Zoom", "muteOnJoin_Zoom", "false"},
+        {"Tuple", "muteOnJoin_Tuple", "false"},
+        {"Microphone", "muteOnJoin_Microphone", "false"},
+        {"Also mute the microphone in other call apps", "muteMicrophoneInOtherApps", "true"},
+    };
+    for (const auto& box : boxes) {
+        SCOPED_TRACE(box.title);
+        AXElementRef element;
+        ASSERT_TRUE(waitUntil([&] {
+            element = find("AXCheckBox", box.title);
+            return element != nullptr;
+        }));
+        ASSERT_EQ(ax_.performAction(element, "AXPress"), ax::success);
+        EXPECT_TRUE(waitUntil([&] { return stored(box.key) == box.after; }));
+    }
+
+    const AXElementRef login = find("AXCheckBox", "Start Hush Gremlin on login");
+    ASSERT_NE(login, nullptr);
+    ASSERT_EQ(ax_.performAction(login, "AXPress"), ax::success);
+    EXPECT_TRUE(waitUntil(
+        [&] { return std::filesystem::exists(config + "/autostart/hushgremlin.desktop"); }));
+
+    const AXElementRef about = find("AXPushButton", "About...");
+    ASSERT_NE(about, nullptr);
+    ASSERT_EQ(ax_.performAction(about, "AXPress"), ax::success);
+    EXPECT_TRUE(waitUntil([&] { return find("", "About Hush Gremlin") != nullptr; }));
 }
 
 } // namespace
