@@ -333,6 +333,9 @@ TEST_F(DesktopEndToEnd, PreferencesControlsDoTheirWorkThroughTheirAccessibilityA
     ASSERT_TRUE(switch_.setEnabled(true));
     const std::string config = DesktopSession::shared()->scratchDir() + "/accessible-config";
     const QString settings = QString::fromStdString(config + "/HushGremlin/HushGremlin.conf");
+    // A shortcut stored, so that the recorder does not start recording by itself.
+    QSettings(settings, QSettings::IniFormat)
+        .setValue("mute_hotkey_v2", QByteArray(R"({"keyCode":40,"modifiers":262144})"));
     ChildProcess& program = startProgram(config);
     ASSERT_TRUE(program.waitForLine("GOT AX:  true"));
     ChildProcess({"env", "XDG_CONFIG_HOME=" + config, HG_DESKTOP_PROGRAM, "preferences"})
@@ -367,6 +370,15 @@ TEST_F(DesktopEndToEnd, PreferencesControlsDoTheirWorkThroughTheirAccessibilityA
         ASSERT_EQ(ax_.performAction(element, "AXPress"), ax::success);
         EXPECT_TRUE(waitUntil([&] { return stored(box.key) == box.after; }));
     }
+
+    // The shortcut field records after its Press as after a click: control-J.
+    const AXElementRef shortcut = find("AXPushButton", "Mute Shortcut");
+    ASSERT_NE(shortcut, nullptr);
+    ASSERT_EQ(ax_.performAction(shortcut, "AXPress"), ax::success);
+    xdotool({"key", "ctrl+j"});
+    EXPECT_TRUE(waitUntil([&] {
+        return stored("mute_hotkey_v2").find("\"keyCode\":38") != std::string::npos;
+    })) << stored("mute_hotkey_v2");
 
     const AXElementRef login = find("AXCheckBox", "Start Hush Gremlin on login");
     ASSERT_NE(login, nullptr);
