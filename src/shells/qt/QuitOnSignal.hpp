@@ -13,9 +13,10 @@ namespace hg {
 // process.
 //
 // Whatever the main thread is busy with, the program ends within a second of
-// the signal: when it has not ended `quitDeadlineMs` after the first signal,
-// the signal takes its default effect (the process ends by it), the orderly
-// quit unfinished.
+// the signal: when this object has not been destroyed `quitDeadlineMs` after
+// the first signal, the signal takes its default effect (the process ends by
+// it), the orderly quit unfinished. Create it before, and so destroy it
+// after, everything whose end may block.
 class QuitOnSignal final : public QObject {
     Q_OBJECT
 
