@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QLockFile>
 #include <cstdio>
+#include <sys/stat.h>
 
 namespace hg {
 
@@ -54,7 +55,8 @@ QtUserDefaults::QtUserDefaults(const QString& iniPath, LineSink& out)
     : QtUserDefaults(iniPath, QSettings::IniFormat, out) {}
 
 QtUserDefaults::QtUserDefaults(const QString& path, QSettings::Format format, LineSink& out)
-    : path_(path), format_(format), out_(out), reader_(std::make_unique<QSettings>(path, format)) {
+    : path_(path), pathBytes_(QFile::encodeName(path)), format_(format), out_(out),
+      reader_(std::make_unique<QSettings>(path, format)) {
     retry_.setInterval(retryInterval);
     QObject::connect(&retry_, &QTimer::timeout, [this] { save(std::chrono::milliseconds(0)); });
 }
@@ -70,9 +72,18 @@ QVariant QtUserDefaults::value(const QString& key) const {
     if (const auto it = unsaved_.find(key); it != unsaved_.end()) {
         return it->second.value_or(QVariant());
     }
-    // Reads the file again when its size or time has changed since the last
-    // look; with no change of its own held, this never waits for the lock.
-    reader_->sync();
+    // Reads the file again when it has changed since the last look (a stat
+    // tells, far cheaper than QSettings' own look); with no change of its
+    // own held, the reader never waits for the lock.
+    struct stat now {};
+    const FileStamp stamp =
+        ::stat(pathBytes_.constData(), &now) == 0
+            ? FileStamp{now.st_ino, now.st_size, now.st_mtim.tv_sec, now.st_mtim.tv_nsec}
+            : FileStamp{};
+    if (stamp != seen_) {
+        reader_->sync();
+        seen_ = stamp;
+    }
     return reader_->value(key);
 }
 

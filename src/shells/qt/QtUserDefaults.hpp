@@ -3,11 +3,13 @@
 #include "ports/LineSink.hpp"
 #include "ports/UserDefaults.hpp"
 
+#include <QByteArray>
 #include <QSettings>
 #include <QString>
 #include <QTimer>
 #include <QVariant>
 #include <chrono>
+#include <cstdint>
 #include <map>
 #include <memory>
 #include <optional>
@@ -66,11 +68,22 @@ private:
     bool save(std::chrono::milliseconds wait);
     [[nodiscard]] QString writeUnsaved() const;
 
+    // What identifies one version of the file: inode, size, modification time.
+    struct FileStamp {
+        std::uint64_t inode = 0;
+        std::int64_t size = -1;
+        std::int64_t seconds = 0;
+        std::int64_t nanoseconds = 0;
+        bool operator==(const FileStamp&) const = default;
+    };
+
     QString path_;
+    QByteArray pathBytes_;
     QSettings::Format format_;
     LineSink& out_;
     // Reads only: it never holds a change, so its sync never takes the lock.
     std::unique_ptr<QSettings> reader_;
+    mutable FileStamp seen_;
     // Key to new value; none for a removal.
     std::map<QString, std::optional<QVariant>> unsaved_;
     QTimer retry_;
