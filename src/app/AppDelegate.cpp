@@ -286,6 +286,9 @@ void AppDelegate::showPrefsWindow(std::string notice) {
                                    std::move(notice)};
         prefsWindow_ =
             platform_.windows.create(windowtable::preferences.description(std::move(content)));
+    } else {
+        // The switches show the store as it is now, whoever wrote it last.
+        userPrefs_->reload();
     }
     bringForward(*prefsWindow_);
 }

@@ -4,6 +4,8 @@
 #include "apps/TupleState.hpp"
 #include "apps/Utf8.hpp"
 
+#include <algorithm>
+
 namespace hg {
 
 namespace {
@@ -19,6 +21,32 @@ std::string joined(const std::vector<std::string>& words) {
         text += words[i];
     }
     return text;
+}
+
+// A stream the runner cut short may end inside a character: what was kept
+// is judged without that last, incomplete one.
+bool isValidKept(std::string_view text, std::size_t dropped) {
+    const std::size_t tail = dropped == 0 ? 0 : std::min<std::size_t>(3, text.size());
+    for (std::size_t k = 0; k <= tail; ++k) {
+        if (utf8::isValid(text.substr(0, text.size() - k))) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// At most maxLoggedErrorBytes of a standard-error text, cut before a
+// character, then how long the whole text was.
+std::string forLog(const std::string& text, std::size_t dropped) {
+    const std::size_t total = text.size() + dropped;
+    if (total <= TupleMeetingApp::maxLoggedErrorBytes) {
+        return text;
+    }
+    std::size_t cut = std::min(text.size(), TupleMeetingApp::maxLoggedErrorBytes);
+    while (cut > 0 && (static_cast<unsigned char>(text[cut]) & 0xC0U) == 0x80U) {
+        --cut;
+    }
+    return text.substr(0, cut) + "\u2026 (" + std::to_string(total) + " bytes)";
 }
 
 } // namespace
@@ -42,22 +70,28 @@ std::optional<std::string> TupleMeetingApp::runCLI(const std::vector<std::string
     }
     // Either stream may be anything; one that is not UTF-8 counts as absent.
     std::optional<std::string> output;
-    if (utf8::isValid(result.standardOutput)) {
+    if (isValidKept(result.standardOutput, result.droppedOutputBytes)) {
         output = result.standardOutput;
     }
-    std::optional<std::string> errors;
-    if (utf8::isValid(result.standardError)) {
-        errors = result.standardError;
+    std::string errors;
+    if (isValidKept(result.standardError, result.droppedErrorBytes)) {
+        errors = forLog(result.standardError, result.droppedErrorBytes);
     }
 
-    if (result.exitStatus == 0) {
-        if (errors && !errors->empty()) {
-            out_.line("Tuple CLI '" + joined(arguments) + "' stderr: " + *errors);
+    const std::string command = "Tuple CLI '" + joined(arguments) + "'";
+    if (result.exitStatus == 0 && !result.endedBySignal) {
+        if (!errors.empty()) {
+            out_.line(command + " stderr: " + errors);
         }
         return output;
     }
-    out_.line("Tuple CLI '" + joined(arguments) + "' failed: exit=" +
-              std::to_string(result.exitStatus) + " stderr=" + errors.value_or(std::string()));
+    if (result.endedBySignal) {
+        out_.line(command + " failed: signal=" + std::to_string(result.exitStatus) +
+                  (result.timedOut ? " (timed out)" : "") + " stderr=" + errors);
+    } else {
+        out_.line(command + " failed: exit=" + std::to_string(result.exitStatus) +
+                  " stderr=" + errors);
+    }
     return std::nullopt;
 }
 

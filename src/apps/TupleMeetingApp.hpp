@@ -7,6 +7,7 @@
 #include "ports/RunningApplications.hpp"
 
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -22,12 +23,16 @@ namespace hg {
 // waits while it runs: a state read that takes longer than stateReadTimeout
 // is ended, and the next reads answer error without running the tool, for
 // about half a minute of once-a-second reads. Toggles, which the user asks
-// for, always run it, for at most commandTimeout.
+// for, always run it, for at most commandTimeout. A tool ended by a signal is
+// reported with the signal's number ("failed: signal=15").
 class TupleMeetingApp final : public MeetingApp {
 public:
     static constexpr std::chrono::milliseconds stateReadTimeout{250};
     static constexpr std::chrono::milliseconds commandTimeout{1000};
     static constexpr int stateReadsSkippedAfterTimeout = 30;
+    // A tool's standard error is printed up to this many bytes, then "…" and
+    // the whole text's size: a tool that floods it does not flood the log.
+    static constexpr std::size_t maxLoggedErrorBytes = 4096;
 
     TupleMeetingApp(std::string cliPath, RunningApplications& applications, FileSystem& files,
                     ProcessRunner& processes, LineSink& out);

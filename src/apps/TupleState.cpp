@@ -9,11 +9,25 @@ namespace hg {
 MeetingStatus decodeTupleState(std::string_view output) {
     // No JSON text holds a raw NUL (not even inside a string), but the parser
     // takes one for the end of its input and would accept what comes before.
-    if (!utf8::isValid(output) || output.find('\0') != std::string_view::npos) {
+    if (output.size() > maxTupleStateBytes || !utf8::isValid(output) ||
+        output.find('\0') != std::string_view::npos) {
         return MeetingStatus::error;
     }
-    const auto state = nlohmann::json::parse(output.begin(), output.end(), nullptr, false);
-    if (state.is_discarded() || !state.is_object()) {
+    // Too deep is found as the parser descends; whatever it then builds is
+    // thrown away (the size limit bounds that work).
+    bool tooDeep = false;
+    const auto state = nlohmann::json::parse(
+        output.begin(), output.end(),
+        [&tooDeep](int depth, nlohmann::json::parse_event_t event, nlohmann::json& /*parsed*/) {
+            if ((event == nlohmann::json::parse_event_t::object_start ||
+                 event == nlohmann::json::parse_event_t::array_start) &&
+                depth >= maxTupleStateDepth) {
+                tooDeep = true;
+            }
+            return !tooDeep;
+        },
+        false);
+    if (tooDeep || state.is_discarded() || !state.is_object()) {
         return MeetingStatus::error;
     }
     const auto inCall = state.find("in_call");

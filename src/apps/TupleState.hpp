@@ -2,6 +2,7 @@
 
 #include "core/MeetingStatus.hpp"
 
+#include <cstddef>
 #include <string_view>
 
 namespace hg {
@@ -13,6 +14,13 @@ namespace hg {
 // or not a Boolean where one is needed) is error. Keys not named here are
 // ignored; only JSON true and false count as Booleans. Prints nothing, never
 // throws for any input.
+//
+// The answer is one short object: a text longer than maxTupleStateBytes, or
+// nested deeper than maxTupleStateDepth arrays and objects, is error without
+// being read further.
 [[nodiscard]] MeetingStatus decodeTupleState(std::string_view output);
+
+inline constexpr std::size_t maxTupleStateBytes = 64 * 1024;
+inline constexpr int maxTupleStateDepth = 32;
 
 } // namespace hg

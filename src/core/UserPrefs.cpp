@@ -6,28 +6,44 @@ namespace hg {
 
 namespace {
 
-// Absent keys count as true everywhere; storing that makes it explicit.
-UserDefaults& withDefaultsStored(UserDefaults& defaults) {
-    for (const auto key : {UserPrefs::zoomKey, UserPrefs::tupleKey}) {
-        if (!defaults.hasObject(key)) {
-            defaults.setBool(key, true);
-        }
+bool microphoneMuteOnJoin(const UserDefaults& defaults) {
+    return !defaults.hasObject(UserPrefs::microphoneMuteOnJoinKey) ||
+           defaults.boolForKey(UserPrefs::microphoneMuteOnJoinKey);
+}
+
+// Sets a published value only when it changed, so that a reload that finds
+// nothing new redraws nothing.
+void refresh(Published<bool>& field, bool value) {
+    if (field != value) {
+        field = value;
     }
-    return defaults;
 }
 
 } // namespace
 
 UserPrefs::UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdatesCallback,
                      std::optional<std::string> updatesOffReason)
-    : defaults_(withDefaultsStored(defaults)),
-      checkForUpdatesCallback_(std::move(checkForUpdatesCallback)),
+    : defaults_(defaults), checkForUpdatesCallback_(std::move(checkForUpdatesCallback)),
       updatesOffReason_(std::move(updatesOffReason)),
-      muteOnJoinZoom_(objectWillChange_, defaults_.boolForKey(zoomKey)),
-      muteOnJoinTuple_(objectWillChange_, defaults_.boolForKey(tupleKey)),
-      muteMicrophoneInOtherApps_(objectWillChange_, defaults_.boolForKey(microphoneKey)),
-      muteOnJoinMicrophone_(objectWillChange_, !defaults_.hasObject(microphoneMuteOnJoinKey) ||
-                                                   defaults_.boolForKey(microphoneMuteOnJoinKey)) {}
+      muteOnJoinZoom_(objectWillChange_, true), muteOnJoinTuple_(objectWillChange_, true),
+      muteMicrophoneInOtherApps_(objectWillChange_, false),
+      muteOnJoinMicrophone_(objectWillChange_, true) {
+    reload();
+}
+
+void UserPrefs::reload() {
+    // Absent keys count as true everywhere; storing that makes it explicit.
+    // Each look is a fresh read of the store, never a remembered one.
+    for (const auto key : {zoomKey, tupleKey}) {
+        if (!defaults_.hasObject(key)) {
+            defaults_.setBool(key, true);
+        }
+    }
+    refresh(muteOnJoinZoom_, defaults_.boolForKey(zoomKey));
+    refresh(muteOnJoinTuple_, defaults_.boolForKey(tupleKey));
+    refresh(muteMicrophoneInOtherApps_, defaults_.boolForKey(microphoneKey));
+    refresh(muteOnJoinMicrophone_, microphoneMuteOnJoin(defaults_));
+}
 
 void UserPrefs::setMuteOnJoinZoom(bool value) {
     muteOnJoinZoom_ = value;

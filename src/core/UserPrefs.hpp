@@ -23,13 +23,18 @@ public:
     // the user sets it, so that nothing is stored for a source never used.
     static constexpr std::string_view microphoneMuteOnJoinKey = "muteOnJoin_Microphone";
 
-    // Writes true for each of the Zoom and Tuple keys the store lacks, then
-    // reads every key. `defaults` must outlive this object. With
+    // Reloads (below). `defaults` must outlive this object. With
     // `updatesOffReason` the update check is unavailable, for that reason.
     UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdatesCallback,
               std::optional<std::string> updatesOffReason = std::nullopt);
     UserPrefs(const UserPrefs&) = delete;
     UserPrefs& operator=(const UserPrefs&) = delete;
+
+    // Writes true for each of the Zoom and Tuple keys the store lacks now,
+    // then reads every key afresh: another program may have changed the store
+    // since the last look. A value that changed is announced; nothing read is
+    // written back.
+    void reload();
 
     [[nodiscard]] ObjectWillChange& objectWillChange() { return objectWillChange_; }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -14,11 +15,17 @@ struct ProcessResult {
     // The exit status; for a process ended by a signal (also one killed at the
     // time-out), the signal number.
     int exitStatus = 0;
-    // Raw bytes; not necessarily UTF-8.
+    // Raw bytes; not necessarily UTF-8. A runner may keep only the beginning
+    // of a long stream: see the dropped counts.
     std::string standardOutput;
     std::string standardError;
     // Ended by the runner because it outlived the time-out.
     bool timedOut = false;
+    // Ended by a signal: exitStatus is then the signal's number.
+    bool endedBySignal = false;
+    // Bytes the process wrote beyond what the runner kept.
+    std::size_t droppedOutputBytes = 0;
+    std::size_t droppedErrorBytes = 0;
 };
 
 // Runs child processes to completion, inheriting this process's environment

@@ -28,7 +28,8 @@ public:
     // read it (a corrupt file reads as absent; it never throws).
     [[nodiscard]] virtual std::optional<DefaultsValue> objectForKey(std::string_view key) const = 0;
 
-    // Stores a value. A backend that cannot write keeps the old value.
+    // Stores a value. A backend that cannot write keeps the old value, or
+    // answers with the new one and writes it once it can.
     virtual void setObject(std::string_view key, const DefaultsValue& value) = 0;
 
     // Removes a key; absent keys are ignored.

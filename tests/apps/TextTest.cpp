@@ -60,6 +60,18 @@ TEST(CaseFold, MatchesAsThePlatformsCaseInsensitiveComparison) {
     }
 }
 
+// {"in_call": false} with `arrays` nested arrays beside it.
+std::string nested(std::size_t arrays) {
+    return R"({"in_call": false, "x": )" + std::string(arrays, '[') + std::string(arrays, ']') +
+           "}";
+}
+
+// {"in_call": false} padded to `size` bytes.
+std::string padded(std::size_t size) {
+    const std::string head = R"({"in_call": false, "pad": ")";
+    return head + std::string(size - head.size() - 2, ' ') + "\"}";
+}
+
 TEST(TupleState, DecodesOnlyTheDocumentedShape) {
     using S = MeetingStatus;
     struct Row {
@@ -87,6 +99,11 @@ TEST(TupleState, DecodesOnlyTheDocumentedShape) {
         {"{\"in_call\": false, \"name\": \"\xFF\"}", S::error},
         {std::string("{\"in_call\": false}\0garbage", 26), S::error},
         {std::string(10000, '[') + std::string(10000, ']'), S::error},
+        // At most 32 levels of nesting, at most 64 KiB.
+        {nested(31), S::noMeeting},
+        {nested(32), S::error},
+        {padded(64 * 1024), S::noMeeting},
+        {padded(64 * 1024 + 1), S::error},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(decodeTupleState(row.output), row.status) << row.output.substr(0, 80);

@@ -41,6 +41,7 @@ TEST(TupleMeetingApp, FetchReadsTheToolsState) {
         Lines printed;
     };
     const std::string failed = "Tuple CLI 'state --format json' failed: exit=";
+    const std::string killed = "Tuple CLI 'state --format json' failed: signal=";
     const std::vector<Row> rows = {
         {"state-muted.sh", S::onMute, {}},
         {"state-unmuted.sh", S::offMute, {}},
@@ -52,13 +53,15 @@ TEST(TupleMeetingApp, FetchReadsTheToolsState) {
         {"invalid-utf8.sh", S::error, {}},
         {"big-output.sh",
          S::noMeeting,
-         {"Tuple CLI 'state --format json' stderr: " + std::string(4u << 20, 'e')}},
+         {"Tuple CLI 'state --format json' stderr: " + std::string(4096, 'e') +
+          "\u2026 (4194304 bytes)"}},
         {"not-executable.sh", S::error, {"Tuple CLI error: Permission denied"}},
         {"missing.sh", S::setupError, {}},
         {"state-muted-child-holds-pipe.sh", S::onMute, {}},
-        {"hang.sh", S::error, {failed + "9 stderr=hanging"}},
-        {"hang-closed.sh", S::error, {failed + "9 stderr="}},
-        {"signal-self.sh", S::error, {failed + "15 stderr="}},
+        {"hang.sh", S::error, {killed + "9 (timed out) stderr=hanging"}},
+        {"hang-closed.sh", S::error, {killed + "9 (timed out) stderr="}},
+        {"signal-self.sh", S::error, {killed + "15 stderr="}},
+        {"flood.sh", S::error, {}},
     };
     RealTuple t;
     for (const auto& row : rows) {

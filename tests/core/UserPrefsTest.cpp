@@ -51,5 +51,28 @@ TEST(UserPrefs, SettersAnnounceThenWriteThroughOnEverySet) {
     EXPECT_FALSE(reopened.muteOnJoinTuple());
 }
 
+TEST(UserPrefs, ReloadReadsWhatAnotherWriterStoredAndAnnouncesOnlyChanges) {
+    FakeUserDefaults defaults;
+    UserPrefs prefs(defaults, {});
+    int announced = 0;
+    auto sub = prefs.objectWillChange().subscribe([&] { ++announced; });
+    prefs.reload();
+    EXPECT_EQ(announced, 0);
+
+    // Another program (or instance) changed the store behind this object.
+    defaults.setBool("muteOnJoin_Zoom", false);
+    defaults.removeObject("muteOnJoin_Tuple");
+    defaults.setBool("muteMicrophoneInOtherApps", true);
+    const int writes = defaults.writeCount();
+    prefs.reload();
+    EXPECT_FALSE(prefs.muteOnJoinZoom());
+    EXPECT_TRUE(prefs.muteMicrophoneInOtherApps());
+    EXPECT_EQ(announced, 2);
+    EXPECT_EQ(defaults.objectForKey("muteOnJoin_Tuple"), DefaultsValue{true})
+        << "the absent key is stored again, decided on the store as it is now";
+    EXPECT_EQ(defaults.objectForKey("muteOnJoin_Zoom"), DefaultsValue{false});
+    EXPECT_EQ(defaults.writeCount(), writes + 1);
+}
+
 } // namespace
 } // namespace hg

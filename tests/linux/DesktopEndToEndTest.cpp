@@ -12,13 +12,14 @@
 #include "backends/linux/AtspiBus.hpp"
 
 #include <QDBusArgument>
-#include <QDBusInterface>
+#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QSettings>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <thread>
@@ -103,9 +104,24 @@ TEST_F(AtspiTrust, AnUnreachableBusIsDisabledAccessibilityAndNeverPrompts) {
     EXPECT_EQ(switch_.isEnabled(), false);
 }
 
+// A remote object called with plain messages. (A QDBusInterface would read
+// the object's interface and build a meta-object the connection keeps to the
+// end, which the leak checker reports.)
+struct RemoteObject {
+    QString service;
+    QString path;
+    QString interface;
+
+    QDBusMessage call(const QString& method, const QVariantList& arguments = {}) const {
+        QDBusMessage message = QDBusMessage::createMethodCall(service, path, interface, method);
+        message.setArguments(arguments);
+        return QDBusConnection::sessionBus().call(message, QDBus::Block, 5000);
+    }
+};
+
 // The top-level rows of the tray menu, by label; none when it cannot be read.
-std::map<QString, int> menuRows(QDBusInterface& menu) {
-    const QDBusMessage reply = menu.call(QStringLiteral("GetLayout"), 0, -1, QStringList());
+std::map<QString, int> menuRows(const RemoteObject& menu) {
+    const QDBusMessage reply = menu.call(QStringLiteral("GetLayout"), {0, -1, QStringList()});
     std::map<QString, int> rows;
     if (reply.arguments().size() != 2) {
         return rows;
@@ -164,29 +180,32 @@ protected:
         const auto item = watcher_->waitForLine("item ");
         ASSERT_TRUE(item) << "the tray icon never registered";
         const QString service = QString::fromStdString(item->substr(5, item->find(' ', 5) - 5));
-        const auto path = QDBusInterface(service, QStringLiteral("/StatusNotifierItem"),
-                                         QStringLiteral("org.kde.StatusNotifierItem"))
-                              .property("Menu")
-                              .value<QDBusObjectPath>();
-        menu_ = std::make_unique<QDBusInterface>(service, path.path(),
-                                                 QStringLiteral("com.canonical.dbusmenu"));
-        menu_->setTimeout(5000);
+        const QDBusMessage menu =
+            RemoteObject{service, QStringLiteral("/StatusNotifierItem"),
+                         QStringLiteral("org.freedesktop.DBus.Properties")}
+                .call(QStringLiteral("Get"),
+                      {QStringLiteral("org.kde.StatusNotifierItem"), QStringLiteral("Menu")});
+        ASSERT_EQ(menu.arguments().size(), 1) << menu.errorMessage().toStdString();
+        const auto path =
+            menu.arguments().at(0).value<QDBusVariant>().variant().value<QDBusObjectPath>();
+        menu_ = RemoteObject{service, path.path(), QStringLiteral("com.canonical.dbusmenu")};
     }
     bool showsRow(const char* label) {
-        return waitUntil([&] { return menuRows(*menu_).contains(label); });
+        return waitUntil([&] { return menuRows(menu_).contains(label); });
     }
     // Opens the menu, clicks the row and closes the menu again.
     bool click(const char* label) {
-        const auto rows = menuRows(*menu_);
+        const auto rows = menuRows(menu_);
         const auto row = rows.find(label);
         const QVariant noData = QVariant::fromValue(QDBusVariant(0));
         const bool clicked =
             row != rows.end() &&
-            menu_->call(QStringLiteral("AboutToShow"), 0).type() == QDBusMessage::ReplyMessage &&
-            menu_->call(QStringLiteral("Event"), row->second, QStringLiteral("clicked"), noData, 0U)
+            menu_.call(QStringLiteral("AboutToShow"), {0}).type() == QDBusMessage::ReplyMessage &&
+            menu_.call(QStringLiteral("Event"),
+                       {row->second, QStringLiteral("clicked"), noData, 0U})
                     .type() == QDBusMessage::ReplyMessage;
         // A row that quits the program may leave no one to answer this.
-        menu_->call(QStringLiteral("Event"), 0, QStringLiteral("closed"), noData, 0U);
+        menu_.call(QStringLiteral("Event"), {0, QStringLiteral("closed"), noData, 0U});
         return clicked;
     }
     bool zoomBecomes(const std::string& state) {
@@ -207,7 +226,7 @@ protected:
     std::unique_ptr<ChildProcess> watcher_;
     std::unique_ptr<FixtureApp> zoom_;
     std::unique_ptr<ChildProcess> program_;
-    std::unique_ptr<QDBusInterface> menu_;
+    RemoteObject menu_;
 };
 
 TEST_F(DesktopEndToEnd, GrantMuteOnJoinToggleFromTheMenuLeaveAndQuit) {
@@ -308,6 +327,94 @@ TEST_F(DesktopEndToEnd, PushToTalkHoldsAndADoubleTapLeavesTheMicrophoneOpen) {
         EXPECT_THAT(line, Not(AnyOf(HasSubstr("ERR"), HasSubstr("error"), HasSubstr("Failed"),
                                     HasSubstr("shortcut"))));
     }
+}
+
+// The first element under `root` (depth first) with this role (any role when
+// empty) and title.
+AXElementRef findElement(Accessibility& ax, const AXElementRef& root, const std::string& role,
+                         const std::string& title, int depth = 0) {
+    const auto text = [&ax](const AXElementRef& element, const char* attribute) {
+        auto value = ax.copyAttributeValue(element, attribute).value;
+        const auto* found = std::get_if<std::string>(&value);
+        return found != nullptr ? *found : std::string();
+    };
+    if ((role.empty() || text(root, "AXRole") == role) && text(root, "AXTitle") == title) {
+        return root;
+    }
+    auto children = ax.copyAttributeValue(root, "AXChildren").value;
+    const auto* list = std::get_if<std::vector<AXElementRef>>(&children);
+    for (std::size_t i = 0; list != nullptr && depth < 12 && i < list->size(); ++i) {
+        if (auto found = findElement(ax, (*list)[i], role, title, depth + 1)) {
+            return found;
+        }
+    }
+    return nullptr;
+}
+
+// Every control of the preferences window, through its accessibility action
+// alone (what a screen reader or a switch device does): the check boxes'
+// only action, "Toggle", changes the setting as a click does.
+TEST_F(DesktopEndToEnd, PreferencesControlsDoTheirWorkThroughTheirAccessibilityAction) {
+    ASSERT_TRUE(switch_.setEnabled(true));
+    const std::string config = DesktopSession::shared()->scratchDir() + "/accessible-config";
+    const QString settings = QString::fromStdString(config + "/HushGremlin/HushGremlin.conf");
+    // A shortcut stored, so that the recorder does not start recording by itself.
+    QSettings(settings, QSettings::IniFormat)
+        .setValue("mute_hotkey_v2", QByteArray(R"({"keyCode":40,"modifiers":262144})"));
+    ChildProcess& program = startProgram(config);
+    ASSERT_TRUE(program.waitForLine("GOT AX:  true"));
+    ChildProcess({"env", "XDG_CONFIG_HOME=" + config, HG_DESKTOP_PROGRAM, "preferences"})
+        .waitForExit(patience);
+    const auto stored = [&settings](const char* key) {
+        return QSettings(settings, QSettings::IniFormat).value(key).toString().toStdString();
+    };
+    ASSERT_TRUE(waitUntil([&] { return stored("muteOnJoin_Zoom") == "true"; }));
+
+    // A fresh look at the program's tree each time: the backend keeps what
+    // a walk learnt until the next one starts.
+    const auto find = [&](const char* role, const char* title) {
+        return findElement(ax_, ax_.createApplication(program.pid()), role, title);
+    };
+    const struct {
+        const char* title;
+        const char* key;
+        const char* after;
+    } boxes[] = {
+        {"Zoom", "muteOnJoin_Zoom", "false"},
+        {"Tuple", "muteOnJoin_Tuple", "false"},
+        {"Microphone", "muteOnJoin_Microphone", "false"},
+        {"Also mute the microphone in other call apps", "muteMicrophoneInOtherApps", "true"},
+    };
+    for (const auto& box : boxes) {
+        SCOPED_TRACE(box.title);
+        AXElementRef element;
+        ASSERT_TRUE(waitUntil([&] {
+            element = find("AXCheckBox", box.title);
+            return element != nullptr;
+        }));
+        ASSERT_EQ(ax_.performAction(element, "AXPress"), ax::success);
+        EXPECT_TRUE(waitUntil([&] { return stored(box.key) == box.after; }));
+    }
+
+    // The shortcut field records after its Press as after a click: control-J.
+    const AXElementRef shortcut = find("AXPushButton", "Mute Shortcut");
+    ASSERT_NE(shortcut, nullptr);
+    ASSERT_EQ(ax_.performAction(shortcut, "AXPress"), ax::success);
+    xdotool({"key", "ctrl+j"});
+    EXPECT_TRUE(waitUntil([&] {
+        return stored("mute_hotkey_v2").find("\"keyCode\":38") != std::string::npos;
+    })) << stored("mute_hotkey_v2");
+
+    const AXElementRef login = find("AXCheckBox", "Start Hush Gremlin on login");
+    ASSERT_NE(login, nullptr);
+    ASSERT_EQ(ax_.performAction(login, "AXPress"), ax::success);
+    EXPECT_TRUE(waitUntil(
+        [&] { return std::filesystem::exists(config + "/autostart/hushgremlin.desktop"); }));
+
+    const AXElementRef about = find("AXPushButton", "About...");
+    ASSERT_NE(about, nullptr);
+    ASSERT_EQ(ax_.performAction(about, "AXPress"), ax::success);
+    EXPECT_TRUE(waitUntil([&] { return find("", "About Hush Gremlin") != nullptr; }));
 }
 
 } // namespace

@@ -6,7 +6,10 @@
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
+#include <iostream>
+#include <iterator>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <thread>
@@ -81,6 +84,12 @@ ChildProcess::ChildProcess(std::vector<std::string> argv, const std::string& log
     process_.setProgram(arguments.takeFirst());
     process_.setArguments(arguments);
     process_.setStandardErrorFile(QString::fromStdString(logPath), QIODevice::Append);
+    if (logPath != "/dev/null") {
+        std::error_code none;
+        logPath_ = logPath;
+        logStart_ =
+            std::filesystem::exists(logPath, none) ? std::filesystem::file_size(logPath, none) : 0;
+    }
     process_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     process_.start();
     process_.waitForStarted();
@@ -88,6 +97,35 @@ ChildProcess::ChildProcess(std::vector<std::string> argv, const std::string& log
 
 ChildProcess::~ChildProcess() {
     kill();
+    reportErrorOutput();
+}
+
+std::string ChildProcess::errorOutput() const {
+    std::ifstream log(logPath_, std::ios::binary);
+    if (logPath_.empty() || !log) {
+        return {};
+    }
+    log.seekg(static_cast<std::streamoff>(logStart_));
+    return {std::istreambuf_iterator<char>(log), std::istreambuf_iterator<char>()};
+}
+
+void ChildProcess::reportErrorOutput() const {
+    if (::testing::UnitTest::GetInstance()->current_test_info() == nullptr) {
+        return;
+    }
+    const std::string errors = errorOutput();
+    const std::string name =
+        (QStringList(process_.program()) + process_.arguments()).join(' ').toStdString();
+    for (const char* report : {"Sanitizer", "runtime error:"}) {
+        if (errors.find(report) != std::string::npos) {
+            ADD_FAILURE() << "a sanitizer report in the standard error of " << name << ":\n"
+                          << errors;
+            return;
+        }
+    }
+    if (::testing::Test::HasFailure() && !errors.empty()) {
+        std::cerr << "--- standard error of " << name << " ---\n" << errors << "--- end ---\n";
+    }
 }
 
 bool ChildProcess::send(const std::string& line) {

@@ -2,6 +2,7 @@
 
 #include <QProcess>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <initializer_list>
 #include <memory>
@@ -38,7 +39,9 @@ void xdotool(std::initializer_list<std::string> arguments);
 // A child process with pipes to its standard input and from its standard
 // output; standard error goes to `logPath`. argv[0] is looked up in PATH
 // (`env` sets variables of its own). Killed and reaped with the object, and
-// killed by the kernel if the test process dies first.
+// killed by the kernel if the test process dies first. Ended during a test,
+// its standard error is checked: a sanitizer report in it fails the test, and
+// when the test has failed it is printed, since the log dies with the session.
 class ChildProcess {
 public:
     explicit ChildProcess(std::vector<std::string> argv, const std::string& logPath = "/dev/null");
@@ -53,6 +56,8 @@ public:
                                            std::chrono::milliseconds limit = patience);
     // Every line read so far, in order.
     [[nodiscard]] const std::vector<std::string>& linesRead() const { return lines_; }
+    // What it has written to its standard error so far (its part of the log).
+    [[nodiscard]] std::string errorOutput() const;
 
     void signal(int number) const;
     // Whether it has ended within `limit` (and is reaped).
@@ -62,8 +67,12 @@ public:
     void kill();
 
 private:
+    void reportErrorOutput() const;
+
     QProcess process_;
     std::vector<std::string> lines_;
+    std::string logPath_;
+    std::uintmax_t logStart_ = 0;
 };
 
 // A private desktop, as `dbus-run-session` under Xvfb: its own X display,

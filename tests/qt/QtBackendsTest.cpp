@@ -1,5 +1,6 @@
 // The Qt backends of the ports that carry data: the settings store, the key
 // monitor's translation and consumption of keys, and the timers.
+#include "backends/fake/BufferLineSink.hpp"
 #include "backends/fake/FakeClock.hpp"
 #include "core/UserPrefs.hpp"
 #include "hotkey/Hotkey.hpp"
@@ -8,9 +9,11 @@
 #include "shells/qt/QtTimers.hpp"
 #include "shells/qt/QtUserDefaults.hpp"
 
+#include <QElapsedTimer>
 #include <QFile>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -21,6 +24,13 @@ namespace {
 QByteArray fileText(const QString& path) {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// As another program writes the file: in place, behind the store's back.
+void writeFile(const QString& path, const QByteArray& text) {
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(text);
 }
 
 // "<kind> <code> 0x<flags>", or "none" when the monitor reports nothing.
@@ -46,7 +56,8 @@ private slots:
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("store.ini"));
         const Hotkey shortcut{40, 0x120000};
-        QtUserDefaults store(path);
+        BufferLineSink out;
+        QtUserDefaults store(path, out);
         store.setBool("flag", true);
         // Written through while the store still lives: no sync left for later.
         QVERIFY(fileText(path).contains("flag=true"));
@@ -60,7 +71,7 @@ private slots:
         QVERIFY(!fileText(path).contains("gone"));
 
         // A fresh store reads the texts the INI file keeps as typed values.
-        QtUserDefaults fresh(path);
+        QtUserDefaults fresh(path, out);
         QVERIFY(fresh.boolForKey("flag"));
         QVERIFY(fresh.hasObject("off"));
         QVERIFY(!fresh.boolForKey("off"));
@@ -72,6 +83,67 @@ private slots:
         QVERIFY(!fresh.hasObject("gone"));
     }
 
+    void aValueWrittenByAnotherProgramIsNeverOverwrittenFromMemory() {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("HushGremlin.conf"));
+        BufferLineSink out;
+        QtUserDefaults store(path, out);
+        QVERIFY(!store.hasObject(UserPrefs::zoomKey));
+        // Another program writes while this one runs; the preferences'
+        // absent-key rule must see it, and so must a later opening.
+        writeFile(path, "[General]\nmuteOnJoin_Zoom=false\n");
+        UserPrefs prefs(store, {});
+        QVERIFY(!prefs.muteOnJoinZoom());
+        QVERIFY(fileText(path).contains("muteOnJoin_Zoom=false"));
+        QVERIFY(fileText(path).contains("muteOnJoin_Tuple=true"));
+        writeFile(path, "[General]\nmuteOnJoin_Tuple=false\nmuteOnJoin_Zoom=true\nmine=kept\n");
+        prefs.reload();
+        QVERIFY(prefs.muteOnJoinZoom());
+        QVERIFY(!prefs.muteOnJoinTuple());
+        prefs.setMuteOnJoinZoom(false);
+        QCOMPARE(
+            fileText(path),
+            QByteArray("[General]\nmine=kept\nmuteOnJoin_Tuple=false\nmuteOnJoin_Zoom=false\n"));
+    }
+
+    void aSettingsLockHeldElsewhereDelaysTheWriteNotTheProgram() {
+        QTemporaryDir dir;
+        const QString path = dir.filePath(QStringLiteral("HushGremlin.conf"));
+        writeFile(path, "[General]\nmuteOnJoin_Zoom=false\n");
+        QProcess holder;
+        holder.start(QStringLiteral(HG_HOLD_LOCK), {path});
+        QVERIFY(holder.waitForReadyRead(10000));
+        QCOMPARE(holder.readLine(), QByteArray("locked\n"));
+
+        BufferLineSink out;
+        QElapsedTimer took;
+        took.start();
+        {
+            QtUserDefaults store(path, out);
+            UserPrefs prefs(store, {}); // writes the absent Tuple key
+            prefs.setMuteOnJoinZoom(true);
+            prefs.setMuteOnJoinTuple(false);
+            // Without the lock QSettings would wait for it for half a minute
+            // or more; here only the first write waits, and briefly.
+            QVERIFY2(took.elapsed() < 5000, qPrintable(QString::number(took.elapsed())));
+            QCOMPARE(store.unsavedCount(), std::size_t{2});
+            QVERIFY(store.boolForKey(UserPrefs::zoomKey)); // read back from memory
+            QCOMPARE(fileText(path), QByteArray("[General]\nmuteOnJoin_Zoom=false\n"));
+            QCOMPARE(out.lines().size(), std::size_t{1});
+            QVERIFY2(out.lines()[0].find("Settings: not saved yet: " + path.toStdString() +
+                                         ".lock is held by another process") == 0,
+                     out.lines()[0].c_str());
+
+            // The other program lets go: the next retry writes both.
+            holder.closeWriteChannel();
+            QVERIFY(holder.waitForFinished(10000));
+            QTRY_COMPARE(store.unsavedCount(), std::size_t{0});
+            QCOMPARE(out.lines().back(), "Settings: saved " + path.toStdString());
+        }
+        QCOMPARE(fileText(path),
+                 QByteArray("[General]\nmuteOnJoin_Tuple=false\nmuteOnJoin_Zoom=true\n"));
+    }
+
     void aDamagedFileReadsAsAbsent() {
         QTemporaryDir dir;
         const QString path = dir.filePath(QStringLiteral("store.ini"));
@@ -80,7 +152,8 @@ private slots:
         file.write("[General\nmute_hotkey_v2=@ByteArray(not "
                    "json\n\xff\xfe=\x01\nmuteOnJoin_Zoom=a, b, c\n");
         file.close();
-        QtUserDefaults store(path);
+        BufferLineSink out;
+        QtUserDefaults store(path, out);
         QCOMPARE(Hotkey::load(store), Hotkey::defaultHotkey());
         QVERIFY(!store.hasObject("muteOnJoin_Zoom")); // a list is not a value the program writes
         UserPrefs prefs(store, {});

@@ -19,6 +19,7 @@
 #include "backends/fake/FakeUserDefaults.hpp"
 #include "shells/qt/QtApplication.hpp"
 #include "shells/qt/QtLocalKeyMonitor.hpp"
+#include "shells/qt/QtUserDefaults.hpp"
 #include "shells/qt/TrayStatusItem.hpp"
 #include "shells/qt/views/EnableAXView.hpp"
 
@@ -26,7 +27,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
-#include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -37,8 +37,8 @@ namespace {
 // The application over Qt windows and a Qt tray; every other port is a fake.
 struct Desktop {
     QTemporaryDir dir;
-    QSettings frames{dir.filePath(QStringLiteral("frames.ini")), QSettings::IniFormat};
     BufferLineSink out;
+    QtUserDefaults frames{dir.filePath(QStringLiteral("frames.ini")), out};
     FakeClock clock;
     FakeTimers timers{clock};
     FakeUserDefaults defaults;
@@ -131,7 +131,7 @@ private slots:
         about->move(about->pos() + QPoint(31, 17));
         const QRect moved = about->geometry();
         d.windows.close(*d.delegate.aboutWindow());
-        QVERIFY(d.frames.contains(QStringLiteral("WindowFrames/HG About")));
+        QVERIFY(d.frames.value(QStringLiteral("WindowFrames/HG About")).isValid());
         // The next run builds the window where it was left.
         QtWindows again(d.frames, d.application);
         const WindowId id = again.create(windowtable::about.description(AboutContent{HG_VERSION}));

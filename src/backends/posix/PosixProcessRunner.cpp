@@ -119,14 +119,16 @@ struct SpawnSetup {
 };
 
 // Reads what is there; false once the stream has ended or failed.
-bool drain(int fd, std::string& into) {
+bool drain(int fd, std::string& into, std::size_t& dropped) {
     std::array<char, 65536> buffer{};
     for (;;) {
         const ssize_t n = ::read(fd, buffer.data(), buffer.size());
         if (n > 0) {
             const auto room = PosixProcessRunner::maxCapturedBytes -
                               std::min(into.size(), PosixProcessRunner::maxCapturedBytes);
-            into.append(buffer.data(), std::min(static_cast<std::size_t>(n), room));
+            const auto kept = std::min(static_cast<std::size_t>(n), room);
+            into.append(buffer.data(), kept);
+            dropped += static_cast<std::size_t>(n) - kept;
             continue;
         }
         if (n < 0 && errno == EINTR) {
@@ -203,6 +205,12 @@ ProcessResult PosixProcessRunner::run(const std::string& executable,
         return static_cast<int>(std::max<std::chrono::milliseconds::rep>(0, left.count()));
     };
 
+    const auto drainInto = [&](Pipe& pipe) {
+        return &pipe == &out
+                   ? drain(pipe.read.get(), result.standardOutput, result.droppedOutputBytes)
+                   : drain(pipe.read.get(), result.standardError, result.droppedErrorBytes);
+    };
+
     // The pipes are read until the child exits, not until they close: a
     // process the child started may hold them open long after the answer
     // came. Polls are therefore short while the child runs.
@@ -235,8 +243,7 @@ ProcessResult PosixProcessRunner::run(const std::string& executable,
             if (fds[i].revents == 0) {
                 continue;
             }
-            std::string& into = owners[i] == &out ? result.standardOutput : result.standardError;
-            if (!drain(fds[i].fd, into)) {
+            if (!drainInto(*owners[i])) {
                 owners[i]->read.reset();
             }
         }
@@ -245,7 +252,7 @@ ProcessResult PosixProcessRunner::run(const std::string& executable,
             reaped = true;
             for (Pipe* p : {&out, &err}) {
                 if (p->read.valid()) {
-                    drain(p->read.get(), p == &out ? result.standardOutput : result.standardError);
+                    drainInto(*p);
                 }
             }
             break;
@@ -299,6 +306,7 @@ ProcessResult PosixProcessRunner::run(const std::string& executable,
     // Not reaped: someone else collected the child (SIGCHLD ignored); its
     // status is unknown.
     result.exitStatus = reaped ? exitStatusOf(waitStatus) : -1;
+    result.endedBySignal = reaped && WIFSIGNALED(waitStatus);
     return result;
 }
 

@@ -12,17 +12,17 @@ namespace hg {
 // output and error are read through pipes while it runs, so a child that
 // writes more than a pipe holds never stalls. A child (with everything it
 // started) that is still running when the time-out passes is killed with
-// SIGKILL; the result then reads as ended by that signal (exit status 9). A
+// SIGKILL; the result then reads as ended by that signal (signal 9). A
 // child that has exited is answered at once, even while a process it started
-// still holds its pipes.
+// still holds its pipes. A child ended by a signal is reported as such.
 class PosixProcessRunner final : public ProcessRunner {
 public:
     // The longest any run may take, whatever time-out its caller asks for.
     static constexpr std::chrono::milliseconds defaultTimeout{5000};
 
-    // More than this per stream is read and dropped, so that a runaway child
-    // cannot exhaust memory before the time-out.
-    static constexpr std::size_t maxCapturedBytes = 16 * 1024 * 1024;
+    // More than this per stream is read and dropped (and counted), so that a
+    // runaway child costs neither memory nor the copying of its output.
+    static constexpr std::size_t maxCapturedBytes = 1024 * 1024;
 
     explicit PosixProcessRunner(std::chrono::milliseconds longestTimeout = defaultTimeout)
         : longestTimeout_(longestTimeout) {}

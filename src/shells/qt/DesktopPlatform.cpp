@@ -97,14 +97,14 @@ std::unique_ptr<Microphone> makeMicrophone(LineSink& out) {
 struct DesktopPlatform::Backends {
     Backends()
         : statusItem(out, TrayStatusItem::Options{.trayWait = trayWait()}),
-          windows(defaults.settings(), application) {
+          windows(defaults, application) {
         statusItem.setNoTrayCallback(&tellThatTheIconIsHidden);
     }
 
     StdoutLineSink out;
     SystemClock clock;
     QtTimers timers;
-    QtUserDefaults defaults;
+    QtUserDefaults defaults{out};
     TrayStatusItem statusItem;
     QtApplication application;
     QtWindows windows;

@@ -1,8 +1,12 @@
 #include "shells/qt/QtUserDefaults.hpp"
 
 #include <QByteArray>
-#include <QSettings>
-#include <QVariant>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QLockFile>
+#include <cstdio>
+#include <sys/stat.h>
 
 namespace hg {
 
@@ -30,17 +34,65 @@ QVariant toVariant(const DefaultsValue& value) {
                                static_cast<qsizetype>(bytes.size())));
 }
 
+// Why the lock could not be had, for the diagnostic line.
+QString lockTrouble(QLockFile::LockError error) {
+    switch (error) {
+    case QLockFile::LockFailedError:
+        return QStringLiteral("is held by another process");
+    case QLockFile::PermissionError:
+        return QStringLiteral("cannot be created (permission denied)");
+    default:
+        return QStringLiteral("cannot be created");
+    }
+}
+
 } // namespace
 
-QtUserDefaults::QtUserDefaults() : settings_(std::make_unique<QSettings>()) {}
+QtUserDefaults::QtUserDefaults(LineSink& out)
+    : QtUserDefaults(QSettings().fileName(), QSettings::NativeFormat, out) {}
 
-QtUserDefaults::QtUserDefaults(const QString& iniPath)
-    : settings_(std::make_unique<QSettings>(iniPath, QSettings::IniFormat)) {}
+QtUserDefaults::QtUserDefaults(const QString& iniPath, LineSink& out)
+    : QtUserDefaults(iniPath, QSettings::IniFormat, out) {}
 
-QtUserDefaults::~QtUserDefaults() = default;
+QtUserDefaults::QtUserDefaults(const QString& path, QSettings::Format format, LineSink& out)
+    : path_(path), pathBytes_(QFile::encodeName(path)), format_(format), out_(out),
+      reader_(std::make_unique<QSettings>(path, format)) {
+    retry_.setInterval(retryInterval);
+    QObject::connect(&retry_, &QTimer::timeout, [this] { save(std::chrono::milliseconds(0)); });
+}
+
+QtUserDefaults::~QtUserDefaults() {
+    if (!unsaved_.empty() && !save(std::chrono::milliseconds(0))) {
+        out_.line("Settings: " + std::to_string(unsaved_.size()) +
+                  " changes not saved at quit: " + path_.toStdString() + " could not be written");
+    }
+}
+
+QVariant QtUserDefaults::value(const QString& key) const {
+    if (const auto it = unsaved_.find(key); it != unsaved_.end()) {
+        return it->second.value_or(QVariant());
+    }
+    // Reads the file again when it has changed since the last look (a stat
+    // tells, far cheaper than QSettings' own look); with no change of its
+    // own held, the reader never waits for the lock.
+    struct stat now {};
+    const FileStamp stamp =
+        ::stat(pathBytes_.constData(), &now) == 0
+            ? FileStamp{now.st_ino, now.st_size, now.st_mtim.tv_sec, now.st_mtim.tv_nsec}
+            : FileStamp{};
+    if (stamp != seen_) {
+        reader_->sync();
+        seen_ = stamp;
+    }
+    return reader_->value(key);
+}
+
+void QtUserDefaults::setValue(const QString& key, const QVariant& value) {
+    change(key, value);
+}
 
 std::optional<DefaultsValue> QtUserDefaults::objectForKey(std::string_view key) const {
-    const QVariant value = settings_->value(keyText(key));
+    const QVariant value = this->value(keyText(key));
     switch (value.typeId()) {
     case QMetaType::Bool:
         return DefaultsValue{value.toBool()};
@@ -71,7 +123,7 @@ std::optional<DefaultsValue> QtUserDefaults::objectForKey(std::string_view key) 
 
 std::optional<Bytes> QtUserDefaults::dataForKey(std::string_view key, std::size_t maxBytes) const {
     // The variant shares the settings' own bytes: nothing is copied to look.
-    const QVariant value = settings_->value(keyText(key));
+    const QVariant value = this->value(keyText(key));
     if (value.typeId() != QMetaType::QByteArray) {
         return std::nullopt;
     }
@@ -83,13 +135,89 @@ std::optional<Bytes> QtUserDefaults::dataForKey(std::string_view key, std::size_
 }
 
 void QtUserDefaults::setObject(std::string_view key, const DefaultsValue& value) {
-    settings_->setValue(keyText(key), toVariant(value));
-    settings_->sync();
+    change(keyText(key), toVariant(value));
 }
 
 void QtUserDefaults::removeObject(std::string_view key) {
-    settings_->remove(keyText(key));
-    settings_->sync();
+    change(keyText(key), std::nullopt);
+}
+
+void QtUserDefaults::change(const QString& key, std::optional<QVariant> value) {
+    unsaved_[key] = std::move(value);
+    // Once the lock has been refused, further changes do not wait for it
+    // again: the retries carry them.
+    save(failing_ ? std::chrono::milliseconds(0) : lockWait);
+}
+
+bool QtUserDefaults::save(std::chrono::milliseconds wait) {
+    if (unsaved_.empty()) {
+        retry_.stop();
+        return true;
+    }
+    QDir().mkpath(QFileInfo(path_).absolutePath());
+    QLockFile lock(path_ + QStringLiteral(".lock"));
+    QString trouble;
+    if (!lock.tryLock(wait)) {
+        trouble = path_ + QStringLiteral(".lock ") + lockTrouble(lock.error());
+    } else {
+        trouble = writeUnsaved();
+    }
+    if (trouble.isEmpty()) {
+        unsaved_.clear();
+        retry_.stop();
+        if (failing_) {
+            out_.line("Settings: saved " + path_.toStdString());
+            failing_ = false;
+        }
+        return true;
+    }
+    if (!failing_) {
+        out_.line("Settings: not saved yet: " + trouble.toStdString() + "; trying again every " +
+                  std::to_string(retryInterval.count()) + " ms");
+        failing_ = true;
+    }
+    if (!retry_.isActive()) {
+        retry_.start();
+    }
+    return false;
+}
+
+QString QtUserDefaults::writeUnsaved() const {
+    // The file as it is now, changed in a copy beside it, then put in its
+    // place in one rename: a reader never sees half a file. QSettings writes
+    // the copy (and takes the copy's own lock, which nobody else knows).
+    const QFileInfo info(path_);
+    const QString target = info.isSymLink() ? info.symLinkTarget() : path_;
+    const QString draft = target + QStringLiteral(".saving");
+    QFile::remove(draft);
+    if (QFile::exists(target) && !QFile::copy(target, draft)) {
+        return QStringLiteral("cannot copy ") + target;
+    }
+    {
+        QSettings writer(draft, format_);
+        for (const auto& [key, value] : unsaved_) {
+            if (value) {
+                writer.setValue(key, *value);
+            } else {
+                writer.remove(key);
+            }
+        }
+        writer.sync();
+        if (writer.status() != QSettings::NoError) {
+            QFile::remove(draft);
+            return QStringLiteral("cannot write ") + draft;
+        }
+    }
+    if (!QFile::exists(draft)) {
+        // Nothing to write and no file before: nothing to put in place.
+        return {};
+    }
+    if (std::rename(QFile::encodeName(draft).constData(), QFile::encodeName(target).constData()) !=
+        0) {
+        QFile::remove(draft);
+        return QStringLiteral("cannot replace ") + target;
+    }
+    return {};
 }
 
 } // namespace hg

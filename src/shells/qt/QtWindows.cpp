@@ -1,12 +1,12 @@
 #include "shells/qt/QtWindows.hpp"
 
 #include "shells/qt/QtApplication.hpp"
+#include "shells/qt/QtUserDefaults.hpp"
 #include "shells/qt/views/ContentViewFactory.hpp"
 
 #include <QGuiApplication>
 #include <QHideEvent>
 #include <QScreen>
-#include <QSettings>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -14,7 +14,7 @@ namespace hg {
 
 class QtWindows::HostWindow final : public QWidget {
 public:
-    HostWindow(const WindowSpec& description, QSettings& frames)
+    HostWindow(const WindowSpec& description, QtUserDefaults& frames)
         : frames_(frames), key_(frameKey(description.frameAutosaveName)),
           panel_(description.panel) {}
 
@@ -56,7 +56,7 @@ protected:
     }
 
 private:
-    QSettings& frames_;
+    QtUserDefaults& frames_;
     QString key_;
     bool panel_ = false;
 };
@@ -102,7 +102,7 @@ QString QtWindows::frameKey(const std::string& autosaveName) {
     return QStringLiteral("WindowFrames/") + QString::fromStdString(autosaveName);
 }
 
-QtWindows::QtWindows(QSettings& frames, QtApplication& application)
+QtWindows::QtWindows(QtUserDefaults& frames, QtApplication& application)
     : frames_(frames), application_(application) {}
 
 QtWindows::~QtWindows() {

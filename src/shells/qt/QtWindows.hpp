@@ -6,11 +6,10 @@
 #include <map>
 #include <memory>
 
-class QSettings;
-
 namespace hg {
 
 class QtApplication;
+class QtUserDefaults;
 
 // The application's windows as top-level widgets. Each window is built once,
 // centred on the screen, with the size, title and buttons its WindowSpec asks for;
@@ -25,7 +24,7 @@ public:
     [[nodiscard]] static QString frameKey(const std::string& autosaveName);
 
     // `frames` and `application` must outlive this object.
-    QtWindows(QSettings& frames, QtApplication& application);
+    QtWindows(QtUserDefaults& frames, QtApplication& application);
     ~QtWindows() override;
     QtWindows(const QtWindows&) = delete;
     QtWindows& operator=(const QtWindows&) = delete;
@@ -48,7 +47,7 @@ public:
 private:
     class HostWindow;
 
-    QSettings& frames_;
+    QtUserDefaults& frames_;
     QtApplication& application_;
     std::map<WindowId, std::unique_ptr<HostWindow>> windows_;
     WindowId nextId_ = 0;

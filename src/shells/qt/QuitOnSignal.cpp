@@ -5,6 +5,7 @@
 #include <csignal>
 #include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 namespace hg {
@@ -12,11 +13,25 @@ namespace hg {
 namespace {
 
 int signalPipe[2] = {-1, -1};
+volatile std::sig_atomic_t quitSignal = 0;
 
-void onSignal(int /*signal*/) {
+// The quit did not finish in time: the signal takes its default effect.
+void onQuitDeadline(int /*signal*/) {
+    const int signal = quitSignal;
+    ::signal(signal, SIG_DFL);
+    ::raise(signal);
+}
+
+void onSignal(int signal) {
     const char byte = 1;
     // Nothing to do about a full pipe: a quit is already on its way.
     [[maybe_unused]] const auto written = ::write(signalPipe[0], &byte, 1);
+    if (quitSignal == 0) {
+        quitSignal = signal;
+        itimerval deadline{};
+        deadline.it_value.tv_usec = QuitOnSignal::quitDeadlineMs * 1000;
+        ::setitimer(ITIMER_REAL, &deadline, nullptr);
+    }
 }
 
 } // namespace
@@ -39,13 +54,23 @@ QuitOnSignal::QuitOnSignal() {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         ::sigaction(signal, &action, nullptr);
     }
+    // Until this object goes, so that the deadline also covers what comes
+    // after the event loop (the windows, the platform, the delegate).
+    struct sigaction deadline {};
+    deadline.sa_handler = onQuitDeadline;
+    sigemptyset(&deadline.sa_mask);
+    ::sigaction(SIGALRM, &deadline, nullptr);
 }
 
 QuitOnSignal::~QuitOnSignal() {
+    // The quit has come this far: what is left (Qt's own end, and checks a
+    // sanitizer makes at exit) is not cut short.
+    const itimerval off{};
+    ::setitimer(ITIMER_REAL, &off, nullptr);
     struct sigaction action {};
     action.sa_handler = SIG_DFL;
     sigemptyset(&action.sa_mask);
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    for (const int signal : {SIGTERM, SIGINT, SIGHUP, SIGALRM}) {
         ::sigaction(signal, &action, nullptr);
     }
     delete notifier_;

@@ -15,6 +15,7 @@
 #include "menu/GremlinMenu.hpp"
 #include "shells/qt/QtApplication.hpp"
 #include "shells/qt/QtLocalKeyMonitor.hpp"
+#include "shells/qt/QtUserDefaults.hpp"
 #include "shells/qt/QtWindows.hpp"
 #include "shells/qt/TrayStatusItem.hpp"
 #include "shells/qt/views/NamedImages.hpp"
@@ -23,7 +24,6 @@
 #include <QDir>
 #include <QMenu>
 #include <QPainter>
-#include <QSettings>
 #include <QTemporaryDir>
 #include <cstdio>
 
@@ -118,7 +118,7 @@ int main(int argc, char* argv[]) {
 
     // The windows, with a store that has seen a few readings.
     QTemporaryDir scratch;
-    QSettings frames(scratch.filePath(QStringLiteral("frames.ini")), QSettings::IniFormat);
+    QtUserDefaults frames(scratch.filePath(QStringLiteral("frames.ini")), out);
     QtApplication application;
     QtWindows windows(frames, application);
     FakeStatusItem item;

@@ -2,6 +2,7 @@
 
 #include "hotkey/HotkeyRecorder.hpp"
 
+#include <QAccessibleWidget>
 #include <QFocusEvent>
 #include <QHideEvent>
 #include <QMouseEvent>
@@ -10,8 +11,45 @@
 
 namespace hg::views {
 
+namespace {
+
+// What a screen reader or a switch device sees of the field: a button whose
+// one action is a click.
+class RecorderAccessible final : public QAccessibleWidget {
+public:
+    explicit RecorderAccessible(HotkeyRecorderControl* control)
+        : QAccessibleWidget(control, QAccessible::Button) {}
+
+    [[nodiscard]] QStringList actionNames() const override { return {pressAction()}; }
+    void doAction(const QString& action) override {
+        if (action == pressAction() && widget()->isEnabled()) {
+            control()->press();
+        }
+    }
+    [[nodiscard]] QString text(QAccessible::Text kind) const override {
+        return kind == QAccessible::Value ? control()->shownText() : QAccessibleWidget::text(kind);
+    }
+
+private:
+    [[nodiscard]] HotkeyRecorderControl* control() const {
+        return static_cast<HotkeyRecorderControl*>(widget());
+    }
+};
+
+QAccessibleInterface* recorderAccessible(const QString& /*className*/, QObject* object) {
+    auto* control = qobject_cast<HotkeyRecorderControl*>(object);
+    return control != nullptr ? new RecorderAccessible(control) : nullptr;
+}
+
+} // namespace
+
 HotkeyRecorderControl::HotkeyRecorderControl(HotkeyRecorder& recorder, QWidget* parent)
     : QWidget(parent), recorder_(recorder), redraw_(*this, [this] { update(); }) {
+    static const bool factoryInstalled = [] {
+        QAccessible::installFactory(&recorderAccessible);
+        return true;
+    }();
+    (void)factoryInstalled;
     setFocusPolicy(Qt::ClickFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     setAccessibleName(QStringLiteral("Mute Shortcut"));
@@ -40,7 +78,19 @@ void HotkeyRecorderControl::paintEvent(QPaintEvent* /*event*/) {
     font.setPixelSize(13);
     painter.setFont(font);
     painter.setPen(palette().color(recording ? QPalette::HighlightedText : QPalette::Text));
-    painter.drawText(rect(), Qt::AlignCenter, QString::fromStdString(recorder_.shownText()));
+    painter.drawText(rect(), Qt::AlignCenter, shownText());
+}
+
+QString HotkeyRecorderControl::shownText() const {
+    return QString::fromStdString(recorder_.shownText());
+}
+
+void HotkeyRecorderControl::press() {
+    // Recording wants the focus so that leaving the field cancels it.
+    if (!recorder_.isRecording()) {
+        setFocus(Qt::MouseFocusReason);
+    }
+    recorder_.click();
 }
 
 void HotkeyRecorderControl::mousePressEvent(QMouseEvent* event) {
@@ -48,11 +98,7 @@ void HotkeyRecorderControl::mousePressEvent(QMouseEvent* event) {
         QWidget::mousePressEvent(event);
         return;
     }
-    // Recording wants the focus so that leaving the field cancels it.
-    if (!recorder_.isRecording()) {
-        setFocus(Qt::MouseFocusReason);
-    }
-    recorder_.click();
+    press();
     event->accept();
 }
 

@@ -13,7 +13,9 @@ namespace views {
 // The shortcut field: draws itself from the recorder's state, starts or stops
 // recording on a click and cancels it when it loses the focus. The keys
 // themselves reach the recorder through the local key monitor it holds, not
-// through this widget. `recorder` must outlive the control.
+// through this widget. `recorder` must outlive the control. To accessibility
+// clients it is a button named "Mute Shortcut" whose value is the text shown
+// and whose Press action does what a click does.
 class HotkeyRecorderControl final : public QWidget {
     Q_OBJECT
 
@@ -22,6 +24,10 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
+
+    // A click: starts recording (taking the focus), or stops it.
+    void press();
+    [[nodiscard]] QString shownText() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

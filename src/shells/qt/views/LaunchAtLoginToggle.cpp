@@ -3,6 +3,7 @@
 #include "app/LaunchAtLogin.hpp"
 
 #include <QEvent>
+#include <QSignalBlocker>
 
 namespace hg::views {
 
@@ -12,8 +13,9 @@ LaunchAtLoginToggle::LaunchAtLoginToggle(LaunchAtLogin& launchAtLogin, const QSt
       redraw_(*this, [this] { redraw(); }) {
     redraw();
     redraw_.observe(launchAtLogin_.objectWillChange());
-    // clicked, not toggled: only the user's clicks write; a redraw does not.
-    connect(this, &QCheckBox::clicked, this,
+    // toggled, not clicked: the accessibility "Toggle" action and the
+    // keyboard write as a click does; a redraw blocks the signal and does not.
+    connect(this, &QCheckBox::toggled, this,
             [this](bool checked) { launchAtLogin_.setEnabled(checked); });
 }
 
@@ -30,6 +32,7 @@ void LaunchAtLoginToggle::changeEvent(QEvent* event) {
 }
 
 void LaunchAtLoginToggle::redraw() {
+    const QSignalBlocker quiet(this);
     setChecked(launchAtLogin_.isEnabled());
 }
 

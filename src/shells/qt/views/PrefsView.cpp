@@ -9,6 +9,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QVBoxLayout>
 
 namespace hg::views {
@@ -79,12 +80,14 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
     column->addLayout(buttons);
     column->addSpacing(5);
 
-    // clicked, not toggled: a redraw must not write the value back.
-    connect(zoom_, &QCheckBox::clicked, this, [this](bool on) { prefs_.setMuteOnJoinZoom(on); });
-    connect(tuple_, &QCheckBox::clicked, this, [this](bool on) { prefs_.setMuteOnJoinTuple(on); });
-    connect(microphone_, &QCheckBox::clicked, this,
+    // toggled, not clicked: the accessibility "Toggle" action, the keyboard
+    // and a click all toggle the box, and each must write the setting. A
+    // redraw sets the boxes with their signals blocked, so it writes nothing.
+    connect(zoom_, &QCheckBox::toggled, this, [this](bool on) { prefs_.setMuteOnJoinZoom(on); });
+    connect(tuple_, &QCheckBox::toggled, this, [this](bool on) { prefs_.setMuteOnJoinTuple(on); });
+    connect(microphone_, &QCheckBox::toggled, this,
             [this](bool on) { prefs_.setMuteOnJoinMicrophone(on); });
-    connect(otherApps_, &QCheckBox::clicked, this,
+    connect(otherApps_, &QCheckBox::toggled, this,
             [this](bool on) { prefs_.setMuteMicrophoneInOtherApps(on); });
     connect(update, &QPushButton::clicked, this, [this] {
         if (const auto& callback = prefs_.checkForUpdatesCallback()) {
@@ -102,6 +105,10 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
 }
 
 void PrefsView::redraw() {
+    const QSignalBlocker zoom(zoom_);
+    const QSignalBlocker tuple(tuple_);
+    const QSignalBlocker microphone(microphone_);
+    const QSignalBlocker otherApps(otherApps_);
     zoom_->setChecked(prefs_.muteOnJoinZoom());
     tuple_->setChecked(prefs_.muteOnJoinTuple());
     microphone_->setChecked(prefs_.muteOnJoinMicrophone());
