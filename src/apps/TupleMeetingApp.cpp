@@ -96,6 +96,7 @@ std::optional<std::string> TupleMeetingApp::runCLI(const std::vector<std::string
 }
 
 MeetingStatus TupleMeetingApp::fetchStatus() {
+    answeredLate_ = false;
     if (!isTupleRunning()) {
         return MeetingStatus::notRunning;
     }
@@ -104,11 +105,13 @@ MeetingStatus TupleMeetingApp::fetchStatus() {
     }
     if (stateReadsToSkip_ > 0) {
         --stateReadsToSkip_;
+        answeredLate_ = true;
         return MeetingStatus::error;
     }
     const auto output = runCLI({"state", "--format", "json"}, stateReadTimeout);
     if (lastRunTimedOut_) {
         stateReadsToSkip_ = stateReadsSkippedAfterTimeout;
+        answeredLate_ = true;
     }
     if (!output) {
         return MeetingStatus::error;

@@ -41,6 +41,9 @@ public:
 
     // notRunning, setupError (tool missing), or what the tool's state says.
     MeetingStatus fetchStatus() override;
+    // A read that timed out, or was skipped after one: no reading at all, so
+    // a call in progress is not taken for a call left (and joined again).
+    [[nodiscard]] bool answeredLate() const override { return answeredLate_; }
 
     // "call unmute" from onMute, "call mute" from offMute; offMute when the
     // tool succeeded, error when not. Any other `fromStatus` is returned as it
@@ -75,6 +78,7 @@ private:
     LineSink& out_;
     bool lastRunTimedOut_ = false;
     int stateReadsToSkip_ = 0;
+    bool answeredLate_ = false;
 };
 
 } // namespace hg

@@ -135,13 +135,24 @@ TEST(TupleMeetingApp, AfterAStateReadTimesOutTheNextReadsSkipTheToolButTogglesRu
         return ProcessResult{std::nullopt, 9, "", "", true};
     });
     EXPECT_EQ(t.app.fetchStatus(), S::error);
+    EXPECT_TRUE(t.app.answeredLate());
     for (int i = 0; i < TupleMeetingApp::stateReadsSkippedAfterTimeout; ++i) {
         EXPECT_EQ(t.app.fetchStatus(), S::error);
+        EXPECT_TRUE(t.app.answeredLate()) << "a skipped read is no reading";
     }
     EXPECT_EQ(t.runner.runs().size(), 1U);
     EXPECT_EQ(t.app.toggleMute(S::onMute), S::error);
     EXPECT_EQ(t.app.fetchStatus(), S::error);
     EXPECT_EQ(t.runner.runs().size(), 3U) << "the toggle and the read after the pause ran";
+    t.runner.setHandler([](const std::string&, const std::vector<std::string>&) {
+        return ProcessResult{std::nullopt, 0, "{\"in_call\":false}", "", false};
+    });
+    EXPECT_EQ(t.app.fetchStatus(), S::error) << "still skipping after the second time-out";
+    for (int i = 1; i < TupleMeetingApp::stateReadsSkippedAfterTimeout; ++i) {
+        (void)t.app.fetchStatus();
+    }
+    EXPECT_EQ(t.app.fetchStatus(), S::noMeeting);
+    EXPECT_FALSE(t.app.answeredLate()) << "an answer in time is a reading again";
 }
 
 TEST(TupleMeetingApp, ToggleOutsideAMeetingRunsNothing) {
