@@ -5,11 +5,12 @@
 // Xvfb; XTEST comes from a second connection, as xdotool's would.
 
 #include "DesktopSession.hpp"
-#include "hotkey/GlobalHotkeyMonitor.hpp"
-#include "hotkey/ModifierKeys.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
 #include "backends/linux/X11EventTap.hpp"
+#include "hotkey/GlobalHotkeyMonitor.hpp"
+#include "hotkey/StoredHotkey.hpp"
+#include "ports/ModifierKeys.hpp"
 
 #include <QGuiApplication>
 #include <benchmark/benchmark.h>
@@ -31,6 +32,7 @@ struct Rig {
     xcb_connection_t* xtest = nullptr;
     xcb_window_t root = 0;
     FakeUserDefaults defaults;
+    StoredHotkey shortcut{defaults};
     BufferLineSink out;
     X11EventTap* tap = nullptr;
     GlobalHotkeyMonitor* monitor = nullptr;
@@ -70,7 +72,7 @@ Rig* rig(std::string& failure) {
     made = new Rig();
     made->xtest = xcb_connect(nullptr, nullptr);
     made->root = xcb_setup_roots_iterator(xcb_get_setup(made->xtest)).data->root;
-    made->tap = new X11EventTap(made->defaults, made->out);
+    made->tap = new X11EventTap(made->shortcut, made->out);
     made->monitor = new GlobalHotkeyMonitor(*made->tap, made->defaults, made->out);
     made->monitor->onDown = [] { ++made->downs; };
     made->monitor->onUp = [] { ++made->ups; };

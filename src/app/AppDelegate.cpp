@@ -11,6 +11,7 @@
 #include "core/Watcher.hpp"
 #include "hotkey/DoubleTap.hpp"
 #include "hotkey/GlobalHotkeyMonitor.hpp"
+#include "hotkey/GlobeKeyNote.hpp"
 #include "hotkey/HotkeyRecorder.hpp"
 #include "menu/GremlinMenu.hpp"
 
@@ -112,6 +113,9 @@ void AppDelegate::setupBinding() {
                                                          platform_.out);
     monitor->onDown = [this] { shortcutDown(); };
     monitor->onUp = [this] { shortcutUp(); };
+    monitor->isTrusted = [&accessibility = platform_.accessibility] {
+        return accessibility.isProcessTrusted(false);
+    };
     monitor->start();
     hotkeyMonitor_ = std::move(monitor);
 
@@ -138,6 +142,12 @@ void AppDelegate::shortcutUp() {
         return;
     }
     userData_->hotkeyUp();
+}
+
+void AppDelegate::shortcutHoldDropped() {
+    if (doubleTap_) {
+        doubleTap_->reset();
+    }
 }
 
 void AppDelegate::axChanged(bool hasAX) {
@@ -193,12 +203,14 @@ void AppDelegate::showAXSetupWindow() {
     if (!axSetupWindow_) {
         const std::weak_ptr<AppDelegate*> weakSelf = self_;
         Accessibility& accessibility = platform_.accessibility;
-        AccessibilitySetupContent content{[weakSelf, &accessibility] {
-            (void)accessibility.isProcessTrusted(true);
-            if (const auto self = weakSelf.lock(); self && (*self)->axSetupWindow_) {
-                (*self)->platform_.windows.close(*(*self)->axSetupWindow_);
-            }
-        }};
+        AccessibilitySetupContent content{
+            [weakSelf, &accessibility] {
+                (void)accessibility.isProcessTrusted(true);
+                if (const auto self = weakSelf.lock(); self && (*self)->axSetupWindow_) {
+                    (*self)->platform_.windows.close(*(*self)->axSetupWindow_);
+                }
+            },
+            globeKeyNote(Hotkey::load(platform_.defaults), platform_.keyboardLayout).value_or("")};
         axSetupWindow_ = platform_.windows.create(
             windowtable::accessibilitySetup.description(std::move(content)));
     }
@@ -230,8 +242,8 @@ void AppDelegate::showSetupWindow(MeetingApp& app) {
 void AppDelegate::showPrefsWindow(std::string notice) {
     if (!prefsWindow_) {
         Updater& updater = platform_.updater;
-        userPrefs_ = std::make_unique<UserPrefs>(platform_.defaults,
-                                                 [&updater] { updater.checkForUpdates(); });
+        userPrefs_ = std::make_unique<UserPrefs>(
+            platform_.defaults, [&updater] { updater.checkForUpdates(); }, updater.offReason());
         hotkeyRecorder_ = std::make_unique<HotkeyRecorder>(
             platform_.defaults, platform_.keyboardLayout, platform_.localKeyMonitor);
         launchAtLogin_ =
@@ -252,8 +264,8 @@ void AppDelegate::showPrefsWindow(std::string notice) {
 
 void AppDelegate::showAboutWindow() {
     if (!aboutWindow_) {
-        aboutWindow_ = platform_.windows.create(
-            windowtable::about.description(AboutContent{applicationVersion()}));
+        aboutWindow_ = platform_.windows.create(windowtable::about.description(
+            AboutContent{platform_.application.packageVersion().value_or(applicationVersion())}));
     }
     bringForward(*aboutWindow_);
 }

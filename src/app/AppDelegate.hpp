@@ -59,6 +59,9 @@ public:
     // remote control. Nothing happens before startUp().
     void shortcutDown();
     void shortcutUp();
+    // A held shortcut ends without its release toggling back (a script set
+    // the mute explicitly): the double-tap detector starts afresh.
+    void shortcutHoldDropped();
     // The watcher saw Accessibility trust gained (true) or lost (false).
     void axChanged(bool hasAX);
     // The menu's "Setup Required..." / "Error...": the Accessibility window
@@ -100,7 +103,8 @@ public:
     [[nodiscard]] std::optional<WindowId> aboutWindow() const { return aboutWindow_; }
     [[nodiscard]] std::optional<WindowId> debugWindow() const { return debugWindow_; }
 
-    // The version shown in the About window; "?" when the build has none.
+    // The build's version, shown in the About window where the platform's
+    // package declares none; "?" when the build has none either.
     [[nodiscard]] static std::string applicationVersion();
 
 private:

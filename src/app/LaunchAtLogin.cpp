@@ -25,8 +25,7 @@ void LaunchAtLogin::setEnabled(bool enabled) {
         failure = loginItems_.unregisterItem();
     }
     if (failure) {
-        log_.error(std::string("Failed to ") + (enabled ? "enable" : "disable") +
-                   " launch at login: " + *failure);
+        log_.error(UnifiedLog::launchAtLoginFailure, {enabled ? "enable" : "disable", *failure});
     }
 }
 

@@ -18,9 +18,11 @@ UserDefaults& withDefaultsStored(UserDefaults& defaults) {
 
 } // namespace
 
-UserPrefs::UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdatesCallback)
+UserPrefs::UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdatesCallback,
+                     std::optional<std::string> updatesOffReason)
     : defaults_(withDefaultsStored(defaults)),
       checkForUpdatesCallback_(std::move(checkForUpdatesCallback)),
+      updatesOffReason_(std::move(updatesOffReason)),
       muteOnJoinZoom_(objectWillChange_, defaults_.boolForKey(zoomKey)),
       muteOnJoinTuple_(objectWillChange_, defaults_.boolForKey(tupleKey)),
       muteMicrophoneInOtherApps_(objectWillChange_, defaults_.boolForKey(microphoneKey)),

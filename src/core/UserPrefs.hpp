@@ -4,6 +4,8 @@
 #include "ports/UserDefaults.hpp"
 
 #include <functional>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace hg {
@@ -22,8 +24,10 @@ public:
     static constexpr std::string_view microphoneMuteOnJoinKey = "muteOnJoin_Microphone";
 
     // Writes true for each of the Zoom and Tuple keys the store lacks, then
-    // reads every key. `defaults` must outlive this object.
-    UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdatesCallback);
+    // reads every key. `defaults` must outlive this object. With
+    // `updatesOffReason` the update check is unavailable, for that reason.
+    UserPrefs(UserDefaults& defaults, std::function<void()> checkForUpdatesCallback,
+              std::optional<std::string> updatesOffReason = std::nullopt);
     UserPrefs(const UserPrefs&) = delete;
     UserPrefs& operator=(const UserPrefs&) = delete;
 
@@ -43,10 +47,16 @@ public:
     [[nodiscard]] const std::function<void()>& checkForUpdatesCallback() const {
         return checkForUpdatesCallback_;
     }
+    // Set when updates are off: "Check For Updates..." is then disabled, with
+    // this sentence as its tooltip, rather than doing nothing when pressed.
+    [[nodiscard]] const std::optional<std::string>& updatesOffReason() const {
+        return updatesOffReason_;
+    }
 
 private:
     UserDefaults& defaults_;
     std::function<void()> checkForUpdatesCallback_;
+    std::optional<std::string> updatesOffReason_;
     ObjectWillChange objectWillChange_;
     Published<bool> muteOnJoinZoom_;
     Published<bool> muteOnJoinTuple_;

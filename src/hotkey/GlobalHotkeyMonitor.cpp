@@ -1,6 +1,6 @@
 #include "hotkey/GlobalHotkeyMonitor.hpp"
 
-#include "hotkey/ModifierKeys.hpp"
+#include "ports/ModifierKeys.hpp"
 
 namespace hg {
 
@@ -38,7 +38,9 @@ void GlobalHotkeyMonitor::stop() {
 
 TapDecision GlobalHotkeyMonitor::handleTapEvent(const TapEvent& event) {
     if (event.type == tapevent::disabledByTimeout || event.type == tapevent::disabledByUserInput) {
-        if (running_) {
+        // The tap is off while this runs, so no keystroke waits for the
+        // trust check.
+        if (running_ && (!isTrusted || isTrusted())) {
             eventTap_.setEnabled(true);
         }
         return TapDecision::pass;
@@ -94,9 +96,7 @@ TapDecision GlobalHotkeyMonitor::handlePress(std::uint16_t keyCode, std::uint64_
         return TapDecision::pass;
     }
     downHotkey_ = Hotkey{matchedKeyCode, stored.modifiers};
-    if (onDown) {
-        onDown();
-    }
+    runAfterDecision(onDown);
     return TapDecision::remove;
 }
 
@@ -117,10 +117,19 @@ TapDecision GlobalHotkeyMonitor::handleRelease(std::uint16_t keyCode) {
         return TapDecision::pass;
     }
     downHotkey_.reset();
-    if (onUp) {
-        onUp();
-    }
+    runAfterDecision(onUp);
     return TapDecision::remove;
+}
+
+void GlobalHotkeyMonitor::runAfterDecision(const std::function<void()>& action) {
+    if (!action) {
+        return;
+    }
+    eventTap_.runAfterCallback([alive = std::weak_ptr<bool>(alive_), action] {
+        if (alive.lock()) {
+            action();
+        }
+    });
 }
 
 } // namespace hg

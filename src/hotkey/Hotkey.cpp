@@ -1,7 +1,7 @@
 #include "hotkey/Hotkey.hpp"
 
 #include "hotkey/KeyName.hpp"
-#include "hotkey/ModifierKeys.hpp"
+#include "ports/ModifierKeys.hpp"
 
 #include <cmath>
 #include <limits>

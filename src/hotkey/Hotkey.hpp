@@ -1,7 +1,8 @@
 #pragma once
 
-#include "hotkey/ModifierKeys.hpp"
 #include "ports/KeyboardLayout.hpp"
+#include "ports/ModifierKeys.hpp"
+#include "ports/Shortcut.hpp"
 #include "ports/UserDefaults.hpp"
 
 #include <cstddef>
@@ -12,22 +13,16 @@
 
 namespace hg {
 
-// The mute shortcut: a main key with modifiers, or modifiers alone (keyCode
-// noKey). The user-defaults entry is the only place the current shortcut
-// lives; readers load it afresh whenever they need it.
-struct Hotkey {
-    static constexpr std::uint16_t noKey = 0xFFFF;
-    // shift, control, option, command, function: the only bits ever written.
-    static constexpr std::uint64_t significantMask = 0x9E0000;
+// The mute shortcut, as the program stores and shows it. The user-defaults
+// entry is the only place the current shortcut lives; readers load it afresh
+// whenever they need it.
+struct Hotkey : Shortcut {
     static constexpr std::string_view defaultsKey = "mute_hotkey_v2";
     // No shortcut needs more: a longer stored value or text is not decoded.
     static constexpr std::size_t maxEncodedBytes = 1024;
 
-    std::uint16_t keyCode = noKey; // macOS virtual key code
-    std::uint64_t modifiers = 0;   // raw modifier flags; extra bits kept, shown nowhere
-
     // fn alone.
-    [[nodiscard]] static Hotkey defaultHotkey() { return Hotkey{noKey, modifier::function}; }
+    [[nodiscard]] static Hotkey defaultHotkey() { return Hotkey{{noKey, modifier::function}}; }
 
     // The stored shortcut, or the default when nothing usable is stored
     // (absent, not a data value, longer than maxEncodedBytes, or undecodable).

@@ -1,6 +1,7 @@
 #include "hotkey/HotkeyRecorder.hpp"
 
-#include "hotkey/ModifierKeys.hpp"
+#include "hotkey/GlobeKeyNote.hpp"
+#include "ports/ModifierKeys.hpp"
 
 namespace hg {
 
@@ -21,6 +22,10 @@ std::string HotkeyRecorder::shownText() const {
         return "Type shortcut\u2026";
     }
     return hotkey_.get().displayString(&layout_);
+}
+
+std::optional<std::string> HotkeyRecorder::globeKeyNote() const {
+    return hg::globeKeyNote(hotkey_.get(), layout_);
 }
 
 void HotkeyRecorder::click() {

@@ -39,6 +39,8 @@ public:
 
     // "Type shortcut…" while recording, else the shortcut's display string.
     [[nodiscard]] std::string shownText() const;
+    // The Globe-key note for the shortcut shown (GlobeKeyNote.hpp), if any.
+    [[nodiscard]] std::optional<std::string> globeKeyNote() const;
 
     // A mouse-down in the field: starts recording, or cancels it.
     void click();

@@ -45,6 +45,13 @@ public:
     // Removes the tap; ignored when none is installed.
     virtual void remove() = 0;
 
+    // Runs `action` on the main thread once the callback that asks for it has
+    // returned, actions in the order asked, so that what an event sets off
+    // never holds up the event itself. A tap whose callback the user's typing
+    // waits for (a macOS session tap) must queue it; this default, for taps
+    // that hold up nobody's typing, runs it at once.
+    virtual void runAfterCallback(std::function<void()> action) { action(); }
+
     // Whether the events carry the function (fn) modifier at all. On PC
     // keyboards fn is handled by the keyboard itself and never reaches
     // programs, so a shortcut of fn alone cannot be pressed there.

@@ -25,6 +25,12 @@ public:
     [[nodiscard]] virtual ModifierNotation modifierNotation() const {
         return ModifierNotation::symbols;
     }
+
+    // Whether the system itself acts on a press of fn alone: on a Mac it is
+    // also the Globe key, which shows emoji, changes the input source or
+    // starts dictation unless the user's setting is "Do Nothing"; removing
+    // the event from the stream does not stop that. PC desktops: never.
+    [[nodiscard]] virtual bool systemActsOnFunctionKey() const { return false; }
 };
 
 } // namespace hg

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <functional>
+#include <optional>
+#include <string>
 
 namespace hg {
 
@@ -15,6 +17,10 @@ public:
 
     // A user-initiated check, with the framework's own answer shown to the user.
     virtual void checkForUpdates() = 0;
+
+    // Why updates are off (no feed set, no framework in the bundle), as the
+    // sentence the user is shown; nothing while they work.
+    [[nodiscard]] virtual std::optional<std::string> offReason() const { return std::nullopt; }
 };
 
 } // namespace hg

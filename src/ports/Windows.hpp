@@ -28,6 +28,8 @@ inline constexpr std::uint32_t fullSizeContentView = 0x8000;
 // referred to outlive the window.
 struct AccessibilitySetupContent {
     std::function<void()> promptAction; // the "Grant Acessibility Permission" button
+    // A note about the fn / Globe key shown under the text when not empty.
+    std::string globeKeyNote{};
 };
 struct AppSetupContent {
     SetupView view;

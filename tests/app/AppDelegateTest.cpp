@@ -23,6 +23,8 @@
 #include "backends/fake/FakeUserDefaults.hpp"
 #include "backends/fake/FakeWindows.hpp"
 #include "core/UserData.hpp"
+#include "core/UserPrefs.hpp"
+#include "hotkey/GlobeKeyNote.hpp"
 #include "hotkey/HotkeyRecorder.hpp"
 
 #include <gtest/gtest.h>
@@ -30,6 +32,7 @@
 namespace hg {
 namespace {
 
+using namespace std::chrono_literals;
 using Lines = std::vector<std::string>;
 
 class AppDelegateTest : public ::testing::Test {
@@ -123,6 +126,42 @@ TEST_F(AppDelegateTest, PreferencesLeadToTheAboutWindowWithTheVersion) {
     EXPECT_EQ(windows.frontOrder().front(), *app.aboutWindow());
     EXPECT_EQ(std::get<AboutContent>(window(app.aboutWindow()).description.content).version,
               HG_VERSION);
+
+    // A bundle's own version wins over the one built in.
+    application.packageVersionText = "7.1.2";
+    AppDelegate bundled(platform);
+    bundled.startUp();
+    bundled.showAboutWindow();
+    EXPECT_EQ(std::get<AboutContent>(window(bundled.aboutWindow()).description.content).version,
+              "7.1.2");
+}
+
+TEST_F(AppDelegateTest, TheAccessibilityWindowWarnsOfTheGlobeKeyOnlyWhenItActsOnTheShortcut) {
+    layout.globeKeyActs = true;
+    launch(false);
+    EXPECT_EQ(std::get<AccessibilitySetupContent>(window(app.axSetupWindow()).description.content)
+                  .globeKeyNote,
+              globeKeyNoteText);
+
+    Hotkey{40, modifier::command}.save(defaults);
+    AppDelegate commandK(platform);
+    commandK.startUp();
+    EXPECT_EQ(
+        std::get<AccessibilitySetupContent>(window(commandK.axSetupWindow()).description.content)
+            .globeKeyNote,
+        "");
+}
+
+TEST_F(AppDelegateTest, WithUpdatesOffPreferencesSayWhyInsteadOfChecking) {
+    launch(true);
+    app.showPrefsWindow();
+    EXPECT_EQ(app.userPrefs()->updatesOffReason(), std::nullopt);
+
+    updater.off = "Updates are off: no update feed is set";
+    AppDelegate off(platform);
+    off.startUp();
+    off.showPrefsWindow();
+    EXPECT_EQ(off.userPrefs()->updatesOffReason(), updater.off);
 }
 
 TEST_F(AppDelegateTest, WithoutFnTheFirstStartAloneAsksForAShortcut) {
@@ -160,7 +199,7 @@ TEST_F(AppDelegateTest, ScriptedPressesTakeTheShortcutsPathAndUnpairedOnesAreIgn
     RemoteControl& remote = app.remoteControl();
     int announced = 0;
     const auto subscription = remote.statusWillChange().subscribe([&] { ++announced; });
-    remote.press();
+    remote.press(1s);
     EXPECT_FALSE(remote.isPressed()) << "pressed before there was anything to press";
     launch(true);
     timers.advanceSeconds(1.0);
@@ -168,14 +207,87 @@ TEST_F(AppDelegateTest, ScriptedPressesTakeTheShortcutsPathAndUnpairedOnesAreIgn
     EXPECT_GT(announced, 0);
     out.take();
 
-    remote.release();
-    remote.press();
-    remote.press();
+    remote.release(2s);
+    remote.press(3s);
+    remote.press(4s);
     EXPECT_EQ(statusItem.image(), "SideEyeIcon");
-    remote.release();
-    remote.release();
+    remote.release(5s);
+    remote.release(6s);
     EXPECT_EQ(statusItem.image(), "NoMeetingIcon");
     EXPECT_EQ(out.take(), Lines{}) << "the double-tap detector saw an unpaired press or release";
+
+    remote.showDebugView();
+    ASSERT_TRUE(app.debugWindow().has_value());
+    EXPECT_EQ(windows.frontOrder().front(), *app.debugWindow());
+}
+
+// A call on the system microphone, muted: the one meeting app of the fakes
+// that needs no accessibility tree.
+class ScriptedCall : public AppDelegateTest {
+protected:
+    void SetUp() override {
+        defaults.setBool(UserPrefs::microphoneKey, true);
+        microphone.recording = true;
+        microphone.muted = true;
+        launch(true);
+        timers.advanceSeconds(1.0);
+        ASSERT_EQ(app.remoteControl().status(), MeetingStatus::onMute);
+    }
+    // Past the store's quiet time after a toggle.
+    void settle() { timers.advanceSeconds(2.0); }
+};
+
+TEST_F(ScriptedCall, MuteAndUnmuteAskOnlyForAChangeAndSayWhenTheyCannot) {
+    RemoteControl& remote = app.remoteControl();
+    EXPECT_EQ(remote.setMuted(true), MuteResult::done);
+    EXPECT_TRUE(microphone.requests().empty()) << "muting a muted call asks nothing";
+    EXPECT_EQ(remote.setMuted(false), MuteResult::done);
+    EXPECT_EQ(remote.setMuted(false), MuteResult::done);
+    EXPECT_EQ(microphone.requests(), std::vector<bool>{false});
+    EXPECT_EQ(remote.status(), MeetingStatus::offMute);
+    settle();
+
+    microphone.failing = true;
+    EXPECT_EQ(remote.setMuted(true), MuteResult::refused);
+    EXPECT_EQ(muteFailureLine(MuteResult::refused, true, remote.status()),
+              "The meeting app did not mute (status offMute)");
+    microphone.failing = false;
+    microphone.recording = false;
+    settle();
+    EXPECT_EQ(remote.setMuted(true), MuteResult::noCall);
+    EXPECT_EQ(muteFailureLine(MuteResult::noCall, false, remote.status()),
+              "No call to unmute (status noMeeting)");
+}
+
+TEST_F(ScriptedCall, PressAndReleaseApplyInTheOrderTheyWereIssued) {
+    RemoteControl& remote = app.remoteControl();
+    // A quick tap whose release arrived first, even with the release's clock
+    // read a little before the press's: both, press first.
+    remote.release(1000ms);
+    EXPECT_EQ(microphone.requests(), std::vector<bool>{});
+    remote.press(1000ms + RemoteControl::issueSkew);
+    EXPECT_EQ(microphone.requests(), (std::vector<bool>{false, true}));
+    EXPECT_FALSE(remote.isPressed());
+    settle();
+
+    // The release of that tap, or its press, late: ignored.
+    remote.release(1010ms);
+    remote.press(900ms);
+    EXPECT_FALSE(remote.isPressed());
+    // A stray release is dropped by a press issued well after it.
+    remote.release(2000ms);
+    remote.press(3000ms);
+    EXPECT_TRUE(remote.isPressed());
+    EXPECT_EQ(remote.status(), MeetingStatus::offMute);
+    remote.release(2500ms);
+    EXPECT_TRUE(remote.isPressed()) << "a release issued well before the press it would end";
+    // An explicit state ends the hold: the release does not undo it.
+    EXPECT_EQ(remote.setMuted(true), MuteResult::done);
+    EXPECT_FALSE(remote.isPressed());
+    settle();
+    remote.release(4000ms);
+    EXPECT_EQ(remote.status(), MeetingStatus::onMute);
+    EXPECT_TRUE(microphone.muted);
 }
 
 TEST_F(AppDelegateTest, TheUpdateCallbackOutlivingTheDelegateDoesNothing) {

@@ -1,13 +1,13 @@
 #include "hotkey/GlobalHotkeyMonitor.hpp"
 
 #include "KeyEvents.hpp"
-#include "hotkey/DoubleTap.hpp"
-#include "hotkey/ShortcutEvents.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 #include "backends/fake/FakeClock.hpp"
 #include "backends/fake/FakeEventTap.hpp"
 #include "backends/fake/FakeKeyboardLayout.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
+#include "hotkey/DoubleTap.hpp"
+#include "ports/ShortcutEvents.hpp"
 
 #include <algorithm>
 #include <cctype>
@@ -170,6 +170,13 @@ TEST(GlobalHotkeyMonitor, StartsStopsAndKeepsTheTapEnabled) {
         EXPECT_EQ(rig->tap.deliver(TapEvent{type, 0, 0, 0}), pass);
         EXPECT_TRUE(rig->tap.isEnabled());
     }
+    // Trust revoked meanwhile: the tap the system turned off stays off.
+    rig->monitor.isTrusted = [] { return false; };
+    EXPECT_EQ(rig->tap.deliver(TapEvent{tapevent::disabledByTimeout, 0, 0, 0}), pass);
+    EXPECT_FALSE(rig->tap.isEnabled());
+    rig->monitor.isTrusted = [] { return true; };
+    EXPECT_EQ(rig->tap.deliver(TapEvent{tapevent::disabledByTimeout, 0, 0, 0}), pass);
+    EXPECT_TRUE(rig->tap.isEnabled());
     rig->play("fn+D");
 
     // A press held across a restart is still released.
@@ -188,6 +195,25 @@ TEST(GlobalHotkeyMonitor, StartsStopsAndKeepsTheTapEnabled) {
     rig->tap.onInstalledChanged = [&](bool now) { installed = now; };
     rig.reset();
     EXPECT_FALSE(installed);
+}
+
+TEST(GlobalHotkeyMonitor, TheDecisionReturnsBeforeTheActionRuns) {
+    // A toggle may wait a second for another application; the key event that
+    // set it off must not wait with it.
+    Rig rig;
+    rig.monitor.start();
+    std::vector<std::string> seen;
+    const auto slowAction = [&](const char* name) {
+        return [&seen, &rig, name] {
+            seen.push_back(std::string(name) + " after " +
+                           std::to_string(rig.tap.removedEvents().size()) + " removed");
+        };
+    };
+    rig.monitor.onDown = slowAction("down");
+    rig.monitor.onUp = slowAction("up");
+    EXPECT_EQ(rig.tap.deliver(flags(key::fn, fnb)), removed);
+    EXPECT_EQ(rig.tap.deliver(flags(key::fn, 0)), removed);
+    EXPECT_EQ(seen, (std::vector<std::string>{"down after 1 removed", "up after 2 removed"}));
 }
 
 TEST(GlobalHotkeyMonitor, ReleaseMatchesTheShortcutStoredAtReleaseTime) {

@@ -4,6 +4,7 @@
 #include "backends/fake/FakeKeyboardLayout.hpp"
 #include "backends/fake/FakeLocalKeyMonitor.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
+#include "hotkey/GlobeKeyNote.hpp"
 
 #include <gtest/gtest.h>
 #include <optional>
@@ -106,6 +107,21 @@ TEST(HotkeyRecorder, RecordsOrCancels) {
         EXPECT_EQ(recorder.shownText(), row.shown);
         EXPECT_FALSE(rig.local.deliver(localDown(key::a, cmd))) << "no longer consumed";
     }
+}
+
+TEST(HotkeyRecorder, TheGlobeKeyNoteFollowsTheShortcutAndTheSystemSetting) {
+    Rig rig;
+    HotkeyRecorder& recorder = rig.make();
+    EXPECT_EQ(recorder.globeKeyNote(), std::nullopt) << "no system acts on fn here";
+    rig.layout.globeKeyActs = true;
+    EXPECT_EQ(recorder.globeKeyNote(), std::string(globeKeyNoteText)) << "fn, the default";
+    // Recording fn with another modifier, or another key, leaves the Globe key alone.
+    recorder.click();
+    rig.local.deliver(localFlags(key::control, ctl));
+    rig.local.deliver(localFlags(key::fn, ctl | fnb));
+    rig.local.deliver(localFlags(key::fn, ctl));
+    EXPECT_EQ(recorder.hotkey(), (Hotkey{Hotkey::noKey, ctl | fnb}));
+    EXPECT_EQ(recorder.globeKeyNote(), std::nullopt);
 }
 
 TEST(HotkeyRecorder, DestroyedWhileRecordingLeavesNoHandler) {

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "hotkey/ModifierKeys.hpp"
 #include "ports/EventTap.hpp"
 #include "ports/LocalKeyMonitor.hpp"
+#include "ports/ModifierKeys.hpp"
 
 #include <cstdint>
 

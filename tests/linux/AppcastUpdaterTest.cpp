@@ -154,6 +154,7 @@ TEST_F(AppcastUpdaterTest, AUserCheckAnswersWithWhatTheFeedSays) {
     server_.body = appcast(item("0.1.0", "0.1.0"));
     auto updater = makeUpdater(server_.url());
     ASSERT_TRUE(waitUntil([&] { return server_.requests == 1; })) << "the first scheduled check";
+    EXPECT_EQ(updater->offReason(), std::nullopt);
 
     EXPECT_EQ(userCheck(*updater), "up to date: 0.2.0") << "older";
     server_.body = appcast(item("0.2", "0.2"));
@@ -205,6 +206,7 @@ TEST_F(AppcastUpdaterTest, ScheduledChecksReportNewerReleasesQuietly) {
 TEST_F(AppcastUpdaterTest, WithoutAFeedUpdatesAreOffAndSaySoOnce) {
     auto updater = makeUpdater("");
     EXPECT_EQ(out_.lines(), std::vector<std::string>{AppcastUpdater::offLine});
+    EXPECT_EQ(updater->offReason(), AppcastUpdater::offLine) << "what the disabled button says";
     updater->checkForUpdates();
     updater->checkForUpdates();
     EXPECT_EQ(answers_.answers,

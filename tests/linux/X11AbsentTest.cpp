@@ -2,12 +2,13 @@
 // no global grabs and no keymap to read: the tap refuses to install, so the
 // monitor prints its failure line, and key names fall back.
 
-#include "hotkey/GlobalHotkeyMonitor.hpp"
-#include "hotkey/KeyName.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
 #include "backends/linux/X11EventTap.hpp"
 #include "backends/linux/XkbKeyboardLayout.hpp"
+#include "hotkey/GlobalHotkeyMonitor.hpp"
+#include "hotkey/KeyName.hpp"
+#include "hotkey/StoredHotkey.hpp"
 
 #include <QGuiApplication>
 #include <cstdlib>
@@ -25,7 +26,8 @@ TEST(X11Absent, TheTapIsRefusedAndKeyNamesFallBack) {
 
     FakeUserDefaults defaults;
     BufferLineSink out;
-    X11EventTap tap(defaults, out);
+    StoredHotkey shortcut(defaults);
+    X11EventTap tap(shortcut, out);
     GlobalHotkeyMonitor monitor(tap, defaults, out);
     monitor.start();
     EXPECT_FALSE(monitor.isRunning());

@@ -4,10 +4,11 @@
 #include "backends/linux/X11EventTap.hpp"
 
 #include "DesktopSession.hpp"
-#include "hotkey/GlobalHotkeyMonitor.hpp"
-#include "hotkey/ModifierKeys.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
+#include "hotkey/GlobalHotkeyMonitor.hpp"
+#include "hotkey/StoredHotkey.hpp"
+#include "ports/ModifierKeys.hpp"
 
 #include <QKeyEvent>
 #include <QRasterWindow>
@@ -81,7 +82,8 @@ protected:
 
     FakeUserDefaults defaults_;
     BufferLineSink out_;
-    X11EventTap tap_{defaults_, out_};
+    StoredHotkey shortcut_{defaults_};
+    X11EventTap tap_{shortcut_, out_};
     GlobalHotkeyMonitor monitor_{tap_, defaults_, out_};
     std::unique_ptr<VictimWindow> victim_;
     int downs_ = 0;

@@ -1,6 +1,7 @@
-#include "hotkey/ModifierKeys.hpp"
 #include "backends/linux/X11GrabPlan.hpp"
 #include "backends/linux/X11KeyTranslator.hpp"
+#include "hotkey/Hotkey.hpp"
+#include "ports/ModifierKeys.hpp"
 
 #include <algorithm>
 #include <gtest/gtest.h>

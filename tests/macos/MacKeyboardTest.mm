@@ -7,6 +7,7 @@
 #import <Carbon/Carbon.h>
 #import <Foundation/Foundation.h>
 #include <gtest/gtest.h>
+#include <utility>
 
 namespace hg {
 namespace {
@@ -30,8 +31,25 @@ TEST(MacEventTapTest, ReadsTheKeyboardFieldsOfAnEvent) {
     EXPECT_EQ(disabled.keyCode, 0);
 }
 
+// AppKit and Core Graphics flag every arrow and navigation key with fn; only
+// function keys keep the flag as a modifier.
+TEST(MacEventTapTest, TheFunctionFlagOfNavigationKeysIsNoModifier) {
+    for (const auto& [keyCode, keepsFn] :
+         {std::pair{124, false}, std::pair{115, false}, std::pair{117, false}, std::pair{105, true},
+          std::pair{122, true}}) {
+        SCOPED_TRACE(keyCode);
+        const auto event = CFRef<CGEventRef>::adopt(
+            CGEventCreateKeyboardEvent(nullptr, static_cast<CGKeyCode>(keyCode), true));
+        ASSERT_TRUE(event);
+        CGEventSetFlags(event.get(), kCGEventFlagMaskSecondaryFn | kCGEventFlagMaskShift);
+        const TapEvent down = tapEventFromCGEvent(kCGEventKeyDown, event.get());
+        EXPECT_EQ(down.flags & Hotkey::significantMask,
+                  modifier::shift | (keepsFn ? modifier::function : 0));
+    }
+}
+
 TEST(MacKeyboardLayoutTest, NamesKeysOnTheUSLayout) {
-    const auto source = CFRef<TISInputSourceRef>::adopt(TISCopyCurrentKeyboardInputSource());
+    const auto source = CFRef<TISInputSourceRef>::adopt(TISCopyCurrentKeyboardLayoutInputSource());
     NSString* name =
         source
             ? (__bridge NSString*)TISGetInputSourceProperty(source.get(), kTISPropertyInputSourceID)

@@ -42,7 +42,7 @@ struct Desktop {
     FakeClock clock;
     FakeTimers timers{clock};
     FakeUserDefaults defaults;
-    TrayStatusItem statusItem{out};
+    TrayStatusItem statusItem{out, {.exported = false}};
     QtApplication application;
     QtWindows windows{frames, application};
     FakeAccessibility accessibility;

@@ -2,8 +2,8 @@
 // the rule that an open menu is never changed under the pointer.
 #include "shells/qt/TrayStatusItem.hpp"
 
-#include "menu/GremlinMenu.hpp"
 #include "backends/fake/BufferLineSink.hpp"
+#include "menu/GremlinMenu.hpp"
 
 #include <QAction>
 #include <QImage>
@@ -17,14 +17,20 @@ namespace {
 struct Fixture {
     BufferLineSink out;
     Qt::KeyboardModifiers held = Qt::NoModifier;
-    TrayStatusItem tray{out, [this] { return held; }};
+    TrayStatusItem tray{out,
+                        {.modifiers = [this] { return held; }, .trayWait = {}, .exported = false}};
     QStringList called;
     std::function<void()> note(const char* name) {
         return [this, name] { called << QString::fromLatin1(name); };
     }
     GremlinMenu menu{tray,
-                     {note("toggle"), note("prefs"), note("axErr"), note("update"), note("quit"),
-                      note("debugView"), {}}};
+                     {note("toggle"),
+                      note("prefs"),
+                      note("axErr"),
+                      note("update"),
+                      note("quit"),
+                      note("debugView"),
+                      {}}};
 
     // One line per row: "---" for a separator, else the title, with
     // " (disabled)" and " [red]" where they apply.
@@ -51,7 +57,7 @@ struct Fixture {
     bool hasDebugRow() { return row("Show Debug View") != nullptr; }
     void open(Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         held = modifiers;
-        tray.menu().popup(QPoint(10, 10));
+        tray.popUp(QPoint(10, 10));
     }
     // Hides the menu and lets the close be handled.
     void close() {
@@ -107,6 +113,26 @@ private slots:
                      "No system tray available: the menu is not shown; the shortcut still works"});
         f.tray.setImage("NoSuchIcon");
         QVERIFY(f.tray.icon().isNull());
+    }
+
+    void aHostThatDrawsTheMenuGetsItCurrentAndUnchangedByOpening() {
+        BufferLineSink out;
+        TrayStatusItem tray{
+            out, {.modifiers = [] { return Qt::AltModifier; }, .trayWait = {}, .exported = true}};
+        GremlinMenu menu{tray, {}};
+        menu.updateMenu(MeetingStatus::onMute);
+        // The host opens its own copy (Alt held) and never says it closed.
+        emit tray.menu().aboutToShow();
+        QVERIFY(!tray.isMenuOpen());
+        QCOMPARE(tray.applier().shown(), GremlinMenu::buildMenu(MeetingStatus::onMute, false));
+        menu.updateMenu(MeetingStatus::noMeeting);
+        QCOMPARE(tray.applier().shown(), GremlinMenu::buildMenu(MeetingStatus::noMeeting, false));
+        // Its own popup (a left click) still offers the debug row with Alt.
+        tray.popUp(QPoint(10, 10));
+        QVERIFY(tray.applier().shown().indexOfTag(GremlinMenu::debugViewTag) >= 0);
+        tray.menu().hide();
+        QCoreApplication::processEvents();
+        QVERIFY(tray.applier().shown().indexOfTag(GremlinMenu::debugViewTag) < 0);
     }
 
     void altShowsTheDebugRowForOneOpeningOnly() {

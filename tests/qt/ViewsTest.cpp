@@ -119,6 +119,17 @@ private slots:
         QCOMPARE(update->text(), QStringLiteral("Check For Updates..."));
         update->click();
         QCOMPARE(f.updateChecks, 1);
+        QVERIFY(update->toolTip().isEmpty());
+        {
+            // Updates off: the button cannot be pressed, and its tooltip says why.
+            UserPrefs off{f.defaults, [&f] { ++f.updateChecks; }, "Updates are off: no feed"};
+            views::PrefsView offView{off, f.recorder, f.launchAtLogin, {}};
+            auto* offUpdate = offView.findChild<QPushButton*>();
+            QVERIFY(!offUpdate->isEnabled());
+            QCOMPARE(offUpdate->toolTip(), QStringLiteral("Updates are off: no feed"));
+            offUpdate->click();
+            QCOMPARE(f.updateChecks, 1);
+        }
         auto* login = f.view.findChild<views::LaunchAtLoginToggle*>();
         QCOMPARE(login->text(), QStringLiteral("Start Hush Gremlin on login"));
         QVERIFY(!login->isChecked());

@@ -3,6 +3,8 @@
 #include "ports/Application.hpp"
 
 #include <functional>
+#include <optional>
+#include <string>
 
 namespace hg {
 
@@ -23,11 +25,17 @@ public:
         }
     }
 
+    [[nodiscard]] std::optional<std::string> packageVersion() const override {
+        return packageVersionText;
+    }
+
     [[nodiscard]] int activationCount() const { return activations_; }
     [[nodiscard]] int terminationCount() const { return terminations_; }
 
     std::function<void()> onActivate;
     std::function<void()> onTerminate;
+    // What a package declares (a macOS bundle's version); nothing by default.
+    std::optional<std::string> packageVersionText;
 
 private:
     int activations_ = 0;

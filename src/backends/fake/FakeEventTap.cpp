@@ -55,11 +55,28 @@ std::optional<TapDecision> FakeEventTap::deliver(const TapEvent& event) {
     ++delivered_;
     // The callback may remove or replace the tap; keep this one alive meanwhile.
     const Callback callback = callback_;
+    inCallback_ = true;
     const TapDecision decision = callback ? callback(event) : TapDecision::pass;
+    inCallback_ = false;
     if (decision == TapDecision::remove) {
         removed_.push_back(event);
     }
+    // What the decision set off runs after it, as on the main queue; an
+    // action may deliver further events and queue more.
+    auto queued = std::move(afterCallback_);
+    afterCallback_.clear();
+    for (auto& action : queued) {
+        action();
+    }
     return decision;
+}
+
+void FakeEventTap::runAfterCallback(std::function<void()> action) {
+    if (inCallback_) {
+        afterCallback_.push_back(std::move(action));
+    } else {
+        action();
+    }
 }
 
 } // namespace hg

@@ -24,6 +24,9 @@ public:
     bool install(Callback callback) override;
     void setEnabled(bool enabled) override;
     void remove() override;
+    // Queued while the callback runs and run, in order, once it has returned,
+    // before deliver() returns; asked outside a callback, at once.
+    void runAfterCallback(std::function<void()> action) override;
     [[nodiscard]] bool seesFunctionKey() const override { return functionKeySeen; }
 
     [[nodiscard]] bool isInstalled() const { return installed_; }
@@ -47,6 +50,8 @@ private:
     int installs_ = 0;
     std::size_t delivered_ = 0;
     std::vector<TapEvent> removed_;
+    bool inCallback_ = false;
+    std::vector<std::function<void()>> afterCallback_;
 };
 
 } // namespace hg

@@ -12,7 +12,10 @@ public:
     [[nodiscard]] std::optional<std::string> displayText(std::uint16_t keyCode) const override;
     [[nodiscard]] ModifierNotation modifierNotation() const override { return notation; }
 
+    [[nodiscard]] bool systemActsOnFunctionKey() const override { return globeKeyActs; }
+
     ModifierNotation notation = ModifierNotation::symbols;
+    bool globeKeyActs = false;
 };
 
 } // namespace hg

@@ -42,7 +42,8 @@ private:
 // The unified log, captured.
 class FakeUnifiedLog final : public UnifiedLog {
 public:
-    void error(const std::string& message) override {
+    void error(std::string_view format, const std::vector<std::string>& arguments) override {
+        const std::string message = formatted(format, arguments);
         lines_.push_back(message);
         if (onLine) {
             onLine(message);

@@ -3,6 +3,8 @@
 #include "ports/Updater.hpp"
 
 #include <functional>
+#include <optional>
+#include <string>
 
 namespace hg {
 
@@ -20,6 +22,8 @@ public:
         }
     }
 
+    [[nodiscard]] std::optional<std::string> offReason() const override { return off; }
+
     // A check (scheduled or not) found a valid update: the delegate is told.
     void reportValidUpdate() {
         if (validUpdateFound_) {
@@ -32,6 +36,8 @@ public:
 
     // Called for every user-initiated check.
     std::function<void()> onCheck;
+    // Set: updates are off, for this reason.
+    std::optional<std::string> off;
 
 private:
     std::function<void()> validUpdateFound_;

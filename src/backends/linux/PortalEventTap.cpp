@@ -1,7 +1,7 @@
 #include "backends/linux/PortalEventTap.hpp"
 
 #include "backends/linux/XdgShortcutTrigger.hpp"
-#include "hotkey/ShortcutEvents.hpp"
+#include "ports/ShortcutEvents.hpp"
 
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -83,8 +83,8 @@ bool PortalEventTap::isOffered(std::chrono::milliseconds timeout) {
            reply.arguments().value(0).value<QDBusVariant>().variant().typeId() == QMetaType::UInt;
 }
 
-PortalEventTap::PortalEventTap(const UserDefaults& defaults, LineSink& out, Options options)
-    : defaults_(defaults), out_(out), options_(std::move(options)) {
+PortalEventTap::PortalEventTap(const ShortcutSource& shortcut, LineSink& out, Options options)
+    : shortcut_(shortcut), out_(out), options_(std::move(options)) {
     qDBusRegisterMetaType<portal::Shortcut>();
     qDBusRegisterMetaType<QList<portal::Shortcut>>();
     answerTimer_.setSingleShot(true);
@@ -146,7 +146,7 @@ void PortalEventTap::bindShortcut() {
     step_ = Step::binding;
     QVariantMap properties{{QStringLiteral("description"),
                             QStringLiteral("Push to talk (a double tap switches mute)")}};
-    if (const auto trigger = XdgShortcutTrigger::of(Hotkey::load(defaults_))) {
+    if (const auto trigger = XdgShortcutTrigger::of(shortcut_.current())) {
         properties.insert(QStringLiteral("preferred_trigger"), QString::fromStdString(*trigger));
     }
     const QList<portal::Shortcut> shortcuts{{QLatin1String(shortcutId), properties}};
@@ -266,7 +266,7 @@ void PortalEventTap::deliver(bool press) {
     if (!enabled_ || !callback_) {
         return;
     }
-    if (const auto events = ShortcutEvents::of(Hotkey::load(defaults_))) {
+    if (const auto events = ShortcutEvents::of(shortcut_.current())) {
         callback_(press ? events->press : events->release);
     }
 }

@@ -2,7 +2,7 @@
 
 #include "ports/EventTap.hpp"
 #include "ports/LineSink.hpp"
-#include "ports/UserDefaults.hpp"
+#include "ports/ShortcutSource.hpp"
 
 #include <QDBusObjectPath>
 #include <QObject>
@@ -54,9 +54,9 @@ public:
     // interface; asks it once, within `timeout`.
     [[nodiscard]] static bool isOffered(std::chrono::milliseconds timeout);
 
-    PortalEventTap(const UserDefaults& defaults, LineSink& out, Options options);
-    PortalEventTap(const UserDefaults& defaults, LineSink& out)
-        : PortalEventTap(defaults, out, Options{}) {}
+    PortalEventTap(const ShortcutSource& shortcut, LineSink& out, Options options);
+    PortalEventTap(const ShortcutSource& shortcut, LineSink& out)
+        : PortalEventTap(shortcut, out, Options{}) {}
     ~PortalEventTap() override;
     PortalEventTap(const PortalEventTap&) = delete;
     PortalEventTap& operator=(const PortalEventTap&) = delete;
@@ -89,7 +89,7 @@ private:
     void fail(const std::string& why);
     void deliver(bool press);
 
-    const UserDefaults& defaults_;
+    const ShortcutSource& shortcut_;
     LineSink& out_;
     Options options_;
     Callback callback_;

@@ -40,8 +40,8 @@ struct OneWordMask {
 
 } // namespace
 
-X11EventTap::X11EventTap(const UserDefaults& defaults, LineSink& out)
-    : defaults_(defaults), out_(out) {
+X11EventTap::X11EventTap(const ShortcutSource& shortcut, LineSink& out)
+    : shortcut_(shortcut), out_(out) {
     timer_.setInterval(recheckInterval);
     QObject::connect(&timer_, &QTimer::timeout, [this] { checkForChanges(); });
 }
@@ -113,7 +113,7 @@ void X11EventTap::remove() {
         QCoreApplication::instance()->removeNativeEventFilter(this);
     }
     callback_ = nullptr;
-    grabbedHotkey_.reset();
+    grabbedShortcut_.reset();
     connection_ = nullptr;
 }
 
@@ -128,7 +128,7 @@ void X11EventTap::checkForChanges() {
     if (!installed_) {
         return;
     }
-    if (mappingChanged_ || Hotkey::load(defaults_) != grabbedHotkey_) {
+    if (mappingChanged_ || shortcut_.current() != grabbedShortcut_) {
         const bool readMapping = mappingChanged_;
         mappingChanged_ = false;
         updateGrabs(readMapping);
@@ -233,13 +233,13 @@ void X11EventTap::updateGrabs(bool readMapping) {
         roles_ = readRoles();
         translator_.setRoles(roles_);
     }
-    const Hotkey hotkey = Hotkey::load(defaults_);
-    const bool hotkeyChanged = grabbedHotkey_ != hotkey;
-    grabbedHotkey_ = hotkey;
+    const Shortcut hotkey = shortcut_.current();
+    const bool shortcutChanged = grabbedShortcut_ != hotkey;
+    grabbedShortcut_ = hotkey;
     auto plan = enabled_ ? X11GrabPlan::forHotkey(hotkey, roles_) : std::vector<X11Grab>{};
     const bool none =
-        hotkey.keyCode == Hotkey::noKey && (hotkey.modifiers & Hotkey::significantMask) == 0;
-    if (enabled_ && plan.empty() && hotkeyChanged && !none) {
+        hotkey.keyCode == Shortcut::noKey && (hotkey.modifiers & Shortcut::significantMask) == 0;
+    if (enabled_ && plan.empty() && shortcutChanged && !none) {
         out_.line("No key of this keyboard gives the shortcut under X11; record another one");
     }
     if (plan != grabs_) {

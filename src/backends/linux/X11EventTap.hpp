@@ -2,10 +2,9 @@
 
 #include "backends/linux/X11GrabPlan.hpp"
 #include "backends/linux/X11KeyTranslator.hpp"
-#include "hotkey/Hotkey.hpp"
 #include "ports/EventTap.hpp"
 #include "ports/LineSink.hpp"
-#include "ports/UserDefaults.hpp"
+#include "ports/ShortcutSource.hpp"
 
 #include <QAbstractNativeEventFilter>
 #include <QTimer>
@@ -64,7 +63,7 @@ namespace hg {
 // or within a second. Keyboard mapping changes renew them too.
 class X11EventTap final : public EventTap, private QAbstractNativeEventFilter {
 public:
-    X11EventTap(const UserDefaults& defaults, LineSink& out);
+    X11EventTap(const ShortcutSource& shortcut, LineSink& out);
     ~X11EventTap() override;
     X11EventTap(const X11EventTap&) = delete;
     X11EventTap& operator=(const X11EventTap&) = delete;
@@ -98,7 +97,7 @@ private:
     bool selectRawEvents(bool on);
     [[nodiscard]] X11KeyRoles readRoles() const;
 
-    const UserDefaults& defaults_;
+    const ShortcutSource& shortcut_;
     LineSink& out_;
     Callback callback_;
     xcb_connection_t* connection_ = nullptr;
@@ -109,7 +108,7 @@ private:
     bool installed_ = false;
     bool enabled_ = false;
     bool mappingChanged_ = false;
-    std::optional<Hotkey> grabbedHotkey_;
+    std::optional<Shortcut> grabbedShortcut_;
     X11KeyRoles roles_;
     X11KeyTranslator translator_;
     std::vector<X11Grab> grabs_;

@@ -1,7 +1,7 @@
 #include "backends/linux/X11GrabPlan.hpp"
 
-#include "hotkey/ModifierKeys.hpp"
 #include "backends/linux/KeyCodeTable.hpp"
+#include "ports/ModifierKeys.hpp"
 
 #include <algorithm>
 #include <array>
@@ -15,14 +15,14 @@ constexpr std::array<std::uint64_t, 5> roles = {
 
 } // namespace
 
-std::vector<X11Grab> X11GrabPlan::forHotkey(const Hotkey& hotkey, const X11KeyRoles& keyRoles) {
-    const std::uint64_t modifiers = hotkey.modifiers & Hotkey::significantMask;
+std::vector<X11Grab> X11GrabPlan::forHotkey(const Shortcut& hotkey, const X11KeyRoles& keyRoles) {
+    const std::uint64_t modifiers = hotkey.modifiers & Shortcut::significantMask;
     if ((modifiers & modifier::function) != 0 && keyRoles.keysFor(modifier::function).empty()) {
         return {};
     }
 
     std::vector<X11Grab> base;
-    if (hotkey.keyCode != Hotkey::noKey) {
+    if (hotkey.keyCode != Shortcut::noKey) {
         const auto x11 = KeyCodeTable::x11KeyCode(hotkey.keyCode);
         // The monitor never matches a modifier key as the main key.
         if (!x11 || *x11 > 255 || modifierBitForKeyCode(hotkey.keyCode) != 0) {

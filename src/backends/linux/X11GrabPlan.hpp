@@ -1,7 +1,7 @@
 #pragma once
 
-#include "hotkey/Hotkey.hpp"
 #include "backends/linux/X11KeyRoles.hpp"
+#include "ports/Shortcut.hpp"
 
 #include <compare>
 #include <cstdint>
@@ -33,7 +33,7 @@ public:
     // Sorted, without duplicates. Empty when no key of the current mapping can
     // give the shortcut (fn without an XF86Fn key, a key code without an X11
     // counterpart, a modifier key as main key, no key and no modifiers).
-    [[nodiscard]] static std::vector<X11Grab> forHotkey(const Hotkey& hotkey,
+    [[nodiscard]] static std::vector<X11Grab> forHotkey(const Shortcut& hotkey,
                                                         const X11KeyRoles& roles);
 };
 

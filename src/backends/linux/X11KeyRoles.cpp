@@ -1,6 +1,6 @@
 #include "backends/linux/X11KeyRoles.hpp"
 
-#include "hotkey/ModifierKeys.hpp"
+#include "ports/ModifierKeys.hpp"
 
 #include <algorithm>
 

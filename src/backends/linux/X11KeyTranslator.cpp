@@ -1,7 +1,7 @@
 #include "backends/linux/X11KeyTranslator.hpp"
 
-#include "hotkey/ModifierKeys.hpp"
 #include "backends/linux/KeyCodeTable.hpp"
+#include "ports/ModifierKeys.hpp"
 
 namespace hg {
 

@@ -1,6 +1,7 @@
 #include "backends/linux/XdgShortcutTrigger.hpp"
 
 #include "backends/linux/KeyCodeTable.hpp"
+#include "ports/ModifierKeys.hpp"
 
 #include <array>
 #include <memory>
@@ -43,9 +44,9 @@ std::optional<std::string> keysymName(std::uint32_t x11KeyCode) {
 
 } // namespace
 
-std::optional<std::string> XdgShortcutTrigger::of(const Hotkey& hotkey) {
-    const std::uint64_t modifiers = hotkey.modifiers & Hotkey::significantMask;
-    if (hotkey.keyCode == Hotkey::noKey || (modifiers & modifier::function) != 0) {
+std::optional<std::string> XdgShortcutTrigger::of(const Shortcut& hotkey) {
+    const std::uint64_t modifiers = hotkey.modifiers & Shortcut::significantMask;
+    if (hotkey.keyCode == Shortcut::noKey || (modifiers & modifier::function) != 0) {
         return std::nullopt;
     }
     const auto x11 = KeyCodeTable::x11KeyCode(hotkey.keyCode);

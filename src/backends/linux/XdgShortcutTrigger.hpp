@@ -1,6 +1,6 @@
 #pragma once
 
-#include "hotkey/Hotkey.hpp"
+#include "ports/Shortcut.hpp"
 
 #include <optional>
 #include <string>
@@ -16,7 +16,7 @@ namespace hg {
 // a key without a keysym.
 class XdgShortcutTrigger {
 public:
-    [[nodiscard]] static std::optional<std::string> of(const Hotkey& hotkey);
+    [[nodiscard]] static std::optional<std::string> of(const Shortcut& hotkey);
 };
 
 } // namespace hg

@@ -43,8 +43,23 @@ std::string utf8(CFStringRef string) {
     return out;
 }
 
+// How long one message to the other application may take, in seconds, instead
+// of the system's default of about six: a toggle runs on the main thread, and
+// keys typed meanwhile wait for it. A message that runs out fails with
+// kAXErrorCannotComplete, passed on unchanged. A time-out holds only for the
+// element it is set on, so the application element and every element read
+// from it get one.
+constexpr float messagingTimeout = 1.0F;
+
+AXElementRef element(CFRef<AXUIElementRef> ref) {
+    if (ref) {
+        AXUIElementSetMessagingTimeout(ref.get(), messagingTimeout);
+    }
+    return std::make_shared<MacAXElement>(std::move(ref));
+}
+
 AXElementRef element(CFTypeRef value) {
-    return std::make_shared<MacAXElement>(CFRef<AXUIElementRef>::retain((AXUIElementRef)value));
+    return element(CFRef<AXUIElementRef>::retain((AXUIElementRef)value));
 }
 
 AXValue convert(CFTypeRef value) {
@@ -84,8 +99,7 @@ bool MacAccessibility::isProcessTrusted(bool prompt) {
 }
 
 AXElementRef MacAccessibility::createApplication(ProcessId pid) {
-    return std::make_shared<MacAXElement>(
-        CFRef<AXUIElementRef>::adopt(AXUIElementCreateApplication(pid)));
+    return element(CFRef<AXUIElementRef>::adopt(AXUIElementCreateApplication(pid)));
 }
 
 AXCopyResult MacAccessibility::copyAttributeValue(const AXElementRef& element,

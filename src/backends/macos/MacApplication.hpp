@@ -10,6 +10,8 @@ class MacApplication final : public Application {
 public:
     void activate() override;
     void terminate() override;
+    // The main bundle's CFBundleVersion when it is a string, else "?".
+    [[nodiscard]] std::optional<std::string> packageVersion() const override;
 };
 
 } // namespace hg

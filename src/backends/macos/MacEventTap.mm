@@ -1,8 +1,10 @@
 #include "backends/macos/MacEventTap.hpp"
 
 #include "backends/macos/CFRef.hpp"
+#include "backends/macos/NavigationKeyFlags.hpp"
 
 #import <ApplicationServices/ApplicationServices.h>
+#include <dispatch/dispatch.h>
 
 namespace hg {
 
@@ -48,6 +50,9 @@ TapEvent tapEventFromCGEvent(std::uint32_t type, const void* cgEvent) {
     out.keyCode = CGEventGetIntegerValueField(event, kCGKeyboardEventKeycode);
     out.autorepeat = CGEventGetIntegerValueField(event, kCGKeyboardEventAutorepeat);
     out.flags = CGEventGetFlags(event);
+    if (type == kCGEventKeyDown || type == kCGEventKeyUp) {
+        out.flags = keyEventModifierFlags(out.keyCode, out.flags);
+    }
     return out;
 }
 
@@ -74,7 +79,10 @@ bool MacEventTap::install(Callback callback) {
     impl_->context.callback = std::make_shared<const Callback>(std::move(callback));
     impl_->tap = std::move(tap);
     impl_->source = std::move(source);
-    CFRunLoopAddSource(CFRunLoopGetMain(), impl_->source.get(), kCFRunLoopDefaultMode);
+    // Common modes: the tap is serviced while a menu is tracked or a modal
+    // panel runs too; in the default mode alone the system would disable it
+    // meanwhile, every key waiting for it.
+    CFRunLoopAddSource(CFRunLoopGetMain(), impl_->source.get(), kCFRunLoopCommonModes);
     CGEventTapEnable(impl_->tap.get(), true);
     return true;
 }
@@ -85,9 +93,18 @@ void MacEventTap::setEnabled(bool enabled) {
     }
 }
 
+void MacEventTap::runAfterCallback(std::function<void()> action) {
+    // The main queue is serial and runs on the main thread in the common
+    // modes: in order, after the callback has handed its event back.
+    auto queued = std::make_shared<std::function<void()>>(std::move(action));
+    dispatch_async(dispatch_get_main_queue(), ^{
+      (*queued)();
+    });
+}
+
 void MacEventTap::remove() {
     if (impl_->source) {
-        CFRunLoopRemoveSource(CFRunLoopGetMain(), impl_->source.get(), kCFRunLoopDefaultMode);
+        CFRunLoopRemoveSource(CFRunLoopGetMain(), impl_->source.get(), kCFRunLoopCommonModes);
     }
     if (impl_->tap) {
         CGEventTapEnable(impl_->tap.get(), false);

@@ -8,7 +8,9 @@
 namespace hg {
 
 std::optional<std::string> MacKeyboardLayout::displayText(std::uint16_t keyCode) const {
-    const auto source = CFRef<TISInputSourceRef>::adopt(TISCopyCurrentKeyboardInputSource());
+    // The keyboard layout in use, also under an input method (Japanese,
+    // Chinese), whose own input source carries no layout data.
+    const auto source = CFRef<TISInputSourceRef>::adopt(TISCopyCurrentKeyboardLayoutInputSource());
     if (!source) {
         return std::nullopt;
     }
@@ -37,6 +39,19 @@ std::optional<std::string> MacKeyboardLayout::displayText(std::uint16_t keyCode)
         }
         return std::string(utf8);
     }
+}
+
+bool MacKeyboardLayout::systemActsOnFunctionKey() const {
+    const auto usage = CFRef<CFTypeRef>::adopt(
+        CFPreferencesCopyAppValue(CFSTR("AppleFnUsageType"), CFSTR("com.apple.HIToolbox")));
+    if (!usage || CFGetTypeID(usage.get()) != CFNumberGetTypeID()) {
+        return true;
+    }
+    int value = 0;
+    if (!CFNumberGetValue((CFNumberRef)usage.get(), kCFNumberIntType, &value)) {
+        return true;
+    }
+    return value != 0; // 0: Do Nothing
 }
 
 } // namespace hg

@@ -1,5 +1,7 @@
 #include "backends/macos/MacLocalKeyMonitor.hpp"
 
+#include "backends/macos/NavigationKeyFlags.hpp"
+
 #import <AppKit/AppKit.h>
 #include <map>
 
@@ -28,7 +30,9 @@ std::uint64_t MacLocalKeyMonitor::add(Handler handler) {
         key.type = event.type == NSEventTypeFlagsChanged ? LocalKeyEvent::Type::flagsChanged
                                                          : LocalKeyEvent::Type::keyDown;
         key.keyCode = event.keyCode;
-        key.modifiers = event.modifierFlags;
+        key.modifiers = key.type == LocalKeyEvent::Type::keyDown
+                            ? keyEventModifierFlags(event.keyCode, event.modifierFlags)
+                            : event.modifierFlags;
         const auto running = shared;
         return (*running)(key) ? nil : event;
     };

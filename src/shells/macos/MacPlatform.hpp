@@ -27,6 +27,9 @@ public:
 
     [[nodiscard]] Platform& platform();
     [[nodiscard]] SparkleUpdater& updater();
+    // The windows' views refer to the application's objects: call this before
+    // the application goes.
+    void destroyWindows();
 
 private:
     struct Backends;

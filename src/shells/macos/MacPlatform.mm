@@ -63,4 +63,8 @@ SparkleUpdater& MacPlatform::updater() {
     return backends_->updater;
 }
 
+void MacPlatform::destroyWindows() {
+    backends_->windows.destroyAll();
+}
+
 } // namespace hg

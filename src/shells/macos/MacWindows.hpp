@@ -25,6 +25,10 @@ public:
     void makeKeyAndOrderFront(WindowId id) override;
     void close(WindowId id) override;
 
+    // Takes every window and its view away. The views refer to the
+    // application's objects: this goes before they do.
+    void destroyAll();
+
 private:
     struct Impl;
     std::unique_ptr<Impl> impl_;

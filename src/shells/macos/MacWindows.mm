@@ -3,7 +3,6 @@
 #include "shells/macos/views/ContentViewFactory.hpp"
 
 #import <AppKit/AppKit.h>
-
 #include <algorithm>
 #include <map>
 #include <utility>
@@ -79,8 +78,16 @@ struct MacWindows::Impl {
 MacWindows::MacWindows() : impl_(std::make_unique<Impl>()) {}
 
 MacWindows::~MacWindows() {
-    for (auto& [id, window] : impl_->windows) {
-        [window orderOut:nil];
+    destroyAll();
+}
+
+void MacWindows::destroyAll() {
+    @autoreleasepool {
+        for (auto& [id, window] : impl_->windows) {
+            [window orderOut:nil];
+            window.contentView = nil;
+        }
+        impl_->windows.clear();
     }
 }
 
@@ -119,7 +126,11 @@ WindowId MacWindows::create(WindowSpec description) {
 }
 
 void MacWindows::makeKeyAndOrderFront(WindowId id) {
-    [impl_->find(id) makeKeyAndOrderFront:nil];
+    NSWindow* window = impl_->find(id);
+    [window makeKeyAndOrderFront:nil];
+    // An activation that the system declines (macOS 14 and later may, for an
+    // agent application) would leave the window behind the front application.
+    [window orderFrontRegardless];
 }
 
 void MacWindows::close(WindowId id) {

@@ -56,6 +56,13 @@ void AppcastUpdater::checkForUpdates() {
     check(Kind::userInitiated);
 }
 
+std::optional<std::string> AppcastUpdater::offReason() const {
+    if (options_.feedUrl.empty()) {
+        return offLine;
+    }
+    return std::nullopt;
+}
+
 void AppcastUpdater::check(Kind kind) {
     if (!network_) {
         network_ = std::make_unique<QNetworkAccessManager>();

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 class QNetworkAccessManager;
@@ -40,6 +41,8 @@ public:
 
     void start(std::function<void()> validUpdateFound) override;
     void checkForUpdates() override;
+    // Off without a feed address.
+    [[nodiscard]] std::optional<std::string> offReason() const override;
 
     static constexpr const char* offLine = "Updates are off: no update feed is set";
 

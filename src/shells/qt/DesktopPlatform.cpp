@@ -12,6 +12,7 @@
 #include "backends/posix/StdoutLineSink.hpp"
 #include "backends/posix/SystemClock.hpp"
 #include "backends/posix/UnavailableMicrophone.hpp"
+#include "hotkey/StoredHotkey.hpp"
 #include "shells/qt/AppcastUpdater.hpp"
 #include "shells/qt/BriefRunningApplicationsCache.hpp"
 #include "shells/qt/DesktopNotifications.hpp"
@@ -50,12 +51,12 @@ bool isWaylandSession() {
 // through Xwayland included: there the desktop's shortcut portal runs the
 // shortcut when it can. Elsewhere X11 grabs; without an X11 display either,
 // installing the tap fails and the monitor says so.
-std::unique_ptr<EventTap> makeEventTap(const UserDefaults& defaults, LineSink& out) {
+std::unique_ptr<EventTap> makeEventTap(const ShortcutSource& shortcut, LineSink& out) {
     if (isWaylandSession() && PortalEventTap::isOffered(std::chrono::seconds(2))) {
         out.line("The shortcut goes through the desktop's GlobalShortcuts portal");
-        return std::make_unique<PortalEventTap>(defaults, out);
+        return std::make_unique<PortalEventTap>(shortcut, out);
     }
-    return std::make_unique<X11EventTap>(defaults, out);
+    return std::make_unique<X11EventTap>(shortcut, out);
 }
 
 // Said once at start where no tray can show the icon (stock GNOME): without
@@ -67,6 +68,17 @@ void tellThatTheIconIsHidden() {
                        "extension (package gnome-shell-extension-appindicator) and start "
                        "HushGremlin again. Meanwhile the hushgremlin command reaches it: "
                        "hushgremlin status, toggle, press, release, preferences."));
+}
+
+// How long to wait for a tray to show the icon before saying there is none:
+// HUSHGREMLIN_TRAY_WAIT seconds when set to a number from 0 to 600.
+std::chrono::milliseconds trayWait() {
+    bool ok = false;
+    const int seconds = qEnvironmentVariableIntValue("HUSHGREMLIN_TRAY_WAIT", &ok);
+    if (!ok || seconds < 0 || seconds > 600) {
+        return TrayStatusItem::defaultTrayWait;
+    }
+    return std::chrono::seconds(seconds);
 }
 
 // The default input through the PulseAudio protocol, which PipeWire serves
@@ -83,7 +95,9 @@ std::unique_ptr<Microphone> makeMicrophone(LineSink& out) {
 } // namespace
 
 struct DesktopPlatform::Backends {
-    Backends() : statusItem(out), windows(defaults.settings(), application) {
+    Backends()
+        : statusItem(out, TrayStatusItem::Options{.trayWait = trayWait()}),
+          windows(defaults.settings(), application) {
         statusItem.setNoTrayCallback(&tellThatTheIconIsHidden);
     }
 
@@ -101,7 +115,8 @@ struct DesktopPlatform::Backends {
                                                      std::chrono::milliseconds(100)};
     PosixFileSystem fileSystem;
     PosixProcessRunner processRunner;
-    std::unique_ptr<EventTap> eventTap = makeEventTap(defaults, out);
+    StoredHotkey storedHotkey{defaults};
+    std::unique_ptr<EventTap> eventTap = makeEventTap(storedHotkey, out);
     XkbKeyboardLayout keyboardLayout;
     QtLocalKeyMonitor localKeyMonitor{nativeMacKeyCode};
     InstalledProgramLoginItems loginItems{out};

@@ -14,12 +14,16 @@ system tray, with a push-to-talk shortcut.
 Without a command, starts HushGremlin (or shows the Preferences of the one
 already running). Commands for a running HushGremlin:
   toggle        mute or unmute the call
+  mute, unmute  put the call in that state (exit 1 when there is no call)
   press         press the shortcut (hold: push-to-talk; press twice quickly:
                 the new state stays)
   release       release the shortcut
   status        print the status: notRunning, noMeeting, onMute, offMute,
-                setupError or error
+                setupError or error; --json: as one JSON object;
+                --follow: now and at each change, until interrupted
   preferences   show the Preferences window
+  debug         show the debug panel (the menu's hidden row, for desktops
+                whose window manager takes Alt+click)
 
 Options:
   -h, --help    show this help and exit

@@ -1,6 +1,6 @@
 #include "shells/qt/QtKeyCodes.hpp"
 
-#include "hotkey/ModifierKeys.hpp"
+#include "ports/ModifierKeys.hpp"
 
 #include <array>
 #include <utility>

@@ -8,8 +8,8 @@ namespace {
 Q_LOGGING_CATEGORY(launchAtLoginLog, "app.hushgremlin.launchatlogin")
 } // namespace
 
-void QtUnifiedLog::error(const std::string& message) {
-    qCCritical(launchAtLoginLog).noquote() << QString::fromStdString(message);
+void QtUnifiedLog::error(std::string_view format, const std::vector<std::string>& arguments) {
+    qCCritical(launchAtLoginLog).noquote() << QString::fromStdString(formatted(format, arguments));
 }
 
 } // namespace hg

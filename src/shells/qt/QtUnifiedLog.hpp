@@ -9,7 +9,7 @@ namespace hg {
 // "app.hushgremlin.launchatlogin".
 class QtUnifiedLog final : public UnifiedLog {
 public:
-    void error(const std::string& message) override;
+    void error(std::string_view format, const std::vector<std::string>& arguments) override;
 };
 
 } // namespace hg

@@ -3,16 +3,16 @@
 // scripts/screenshots). Usage: hushgremlin-screenshots OUTPUT_FOLDER
 #include "app/LaunchAtLogin.hpp"
 #include "app/WindowTable.hpp"
-#include "core/UserData.hpp"
-#include "core/UserPrefs.hpp"
-#include "hotkey/HotkeyRecorder.hpp"
-#include "menu/GremlinMenu.hpp"
 #include "backends/fake/BufferLineSink.hpp"
 #include "backends/fake/FakeClock.hpp"
 #include "backends/fake/FakeKeyboardLayout.hpp"
 #include "backends/fake/FakeLoginItems.hpp"
 #include "backends/fake/FakeStatusItem.hpp"
 #include "backends/fake/FakeUserDefaults.hpp"
+#include "core/UserData.hpp"
+#include "core/UserPrefs.hpp"
+#include "hotkey/HotkeyRecorder.hpp"
+#include "menu/GremlinMenu.hpp"
 #include "shells/qt/QtApplication.hpp"
 #include "shells/qt/QtLocalKeyMonitor.hpp"
 #include "shells/qt/QtWindows.hpp"
@@ -97,7 +97,7 @@ int main(int argc, char* argv[]) {
 
     BufferLineSink out;
     Qt::KeyboardModifiers held = Qt::NoModifier;
-    TrayStatusItem tray(out, [&held] { return held; });
+    TrayStatusItem tray(out, {.modifiers = [&held] { return held; }, .exported = false});
     GremlinMenu menu(tray, {});
     const std::pair<MeetingStatus, const char*> statuses[] = {
         {MeetingStatus::noMeeting, "menu-noMeeting.png"},
@@ -143,13 +143,14 @@ int main(int argc, char* argv[]) {
     LaunchAtLogin launchAtLogin(loginItems, log);
 
     const std::pair<WindowSpec, const char*> shots[] = {
-        {windowtable::preferences.description(PreferencesContent{&prefs, &recorder, &launchAtLogin, {}}),
+        {windowtable::preferences.description(
+             PreferencesContent{&prefs, &recorder, &launchAtLogin, {}}),
          "window-preferences.png"},
         {windowtable::debug.description(DebugContent{&userData}), "window-debug.png"},
         {windowtable::accessibilitySetup.description(AccessibilitySetupContent{{}}),
          "window-accessibility.png"},
-        {windowtable::appSetup.description(AppSetupContent{SetupView{SetupView::Kind::tupleCLI, {}}},
-                                    "Tuple Setup"),
+        {windowtable::appSetup.description(
+             AppSetupContent{SetupView{SetupView::Kind::tupleCLI, {}}}, "Tuple Setup"),
          "window-tuple-setup.png"},
         {windowtable::about.description(AboutContent{HG_VERSION}), "window-about.png"},
     };
@@ -162,8 +163,8 @@ int main(int argc, char* argv[]) {
     }
 
     // The shortcut field while recording.
-    const WindowId prefsAgain = windows.create(
-        windowtable::preferences.description(PreferencesContent{&prefs, &recorder, &launchAtLogin, {}}));
+    const WindowId prefsAgain = windows.create(windowtable::preferences.description(
+        PreferencesContent{&prefs, &recorder, &launchAtLogin, {}}));
     windows.makeKeyAndOrderFront(prefsAgain);
     recorder.startRecording();
     QApplication::processEvents();

@@ -2,13 +2,60 @@
 
 #include "app/RemoteControl.hpp"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QTimer>
 #include <QVariantMap>
+#include <chrono>
 
 namespace hg {
+
+namespace {
+
+IssuedAt arrivedNow() {
+    return std::chrono::duration_cast<IssuedAt>(
+        std::chrono::steady_clock::now().time_since_epoch());
+}
+
+} // namespace
+
+namespace scripting {
+
+QDBusMessage methodCall(const QString& method) {
+    QDBusMessage call = QDBusMessage::createMethodCall(QString::fromLatin1(serviceName),
+                                                       QString::fromLatin1(objectPath),
+                                                       QString::fromLatin1(interfaceName), method);
+    call.setAutoStartService(false);
+    return call;
+}
+
+QDBusMessage propertiesCall(const QString& method) {
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        QString::fromLatin1(serviceName), QString::fromLatin1(objectPath),
+        QStringLiteral("org.freedesktop.DBus.Properties"), method);
+    call.setAutoStartService(false);
+    call << QString::fromLatin1(interfaceName);
+    return call;
+}
+
+QVariantMap propertiesOf(const QDBusMessage& reply) {
+    return propertiesOf(reply.arguments().value(0));
+}
+
+QVariantMap propertiesOf(const QVariant& argument) {
+    if (argument.metaType() == QMetaType::fromType<QDBusArgument>()) {
+        const auto marshalled = argument.value<QDBusArgument>();
+        if (marshalled.currentSignature() == QLatin1String("a{sv}")) {
+            return qdbus_cast<QVariantMap>(marshalled);
+        }
+        return {};
+    }
+    return argument.toMap();
+}
+
+} // namespace scripting
 
 ScriptingService::Claim ScriptingService::claimName() {
     QDBusConnection bus = QDBusConnection::sessionBus();
@@ -25,7 +72,7 @@ ScriptingService::Claim ScriptingService::claimName() {
 }
 
 ScriptingService::ScriptingService(RemoteControl& remote, LineSink& out)
-    : remote_(remote), announced_(status()) {
+    : remote_(remote), announced_(status()), announcedApp_(app()) {
     QDBusConnection bus = QDBusConnection::sessionBus();
     exported_ =
         bus.isConnected() &&
@@ -53,16 +100,50 @@ void ScriptingService::Toggle() {
     remote_.toggle();
 }
 
+QString ScriptingService::app() {
+    return QString::fromStdString(remote_.activeAppName());
+}
+
+void ScriptingService::Mute() {
+    setMuted(true);
+}
+
+void ScriptingService::Unmute() {
+    setMuted(false);
+}
+
+void ScriptingService::setMuted(bool muted) {
+    const MuteResult result = remote_.setMuted(muted);
+    if (result == MuteResult::done) {
+        return;
+    }
+    sendErrorReply(QString::fromLatin1(result == MuteResult::noCall ? scripting::noCallError
+                                                                    : scripting::refusedError),
+                   QString::fromStdString(muteFailureLine(result, muted, remote_.status())));
+}
+
 void ScriptingService::Press() {
-    remote_.press();
+    remote_.press(arrivedNow());
 }
 
 void ScriptingService::Release() {
-    remote_.release();
+    remote_.release(arrivedNow());
+}
+
+void ScriptingService::PressAt(qint64 issuedAtNs) {
+    remote_.press(IssuedAt(issuedAtNs));
+}
+
+void ScriptingService::ReleaseAt(qint64 issuedAtNs) {
+    remote_.release(IssuedAt(issuedAtNs));
 }
 
 void ScriptingService::ShowPreferences() {
     remote_.showPreferences();
+}
+
+void ScriptingService::ShowDebugView() {
+    remote_.showDebugView();
 }
 
 void ScriptingService::statusMayChange() {
@@ -74,15 +155,18 @@ void ScriptingService::statusMayChange() {
     QTimer::singleShot(0, this, [this] {
         pending_ = false;
         const QString now = status();
-        if (now == announced_) {
+        const QString nowApp = app();
+        if (now == announced_ && nowApp == announcedApp_) {
             return;
         }
         announced_ = now;
+        announcedApp_ = nowApp;
         QDBusMessage changed = QDBusMessage::createSignal(
             QString::fromLatin1(scripting::objectPath),
             QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("PropertiesChanged"));
         changed << QString::fromLatin1(scripting::interfaceName)
-                << QVariantMap{{QStringLiteral("Status"), now}} << QStringList();
+                << QVariantMap{{QStringLiteral("Status"), now}, {QStringLiteral("App"), nowApp}}
+                << QStringList();
         QDBusConnection::sessionBus().send(changed);
     });
 }

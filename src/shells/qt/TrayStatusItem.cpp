@@ -4,15 +4,46 @@
 #include "shells/qt/views/NamedImages.hpp"
 
 #include <QCursor>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
 #include <QGuiApplication>
-#include <QTimer>
 
 namespace hg {
 
-TrayStatusItem::TrayStatusItem(LineSink& out, ModifierQuery modifiers)
-    : out_(out), modifiers_(modifiers ? std::move(modifiers)
-                                      : ModifierQuery(&QGuiApplication::queryKeyboardModifiers)),
-      applier_(menu_, [this](MenuAction action) { rowTriggered(action); }) {
+namespace {
+
+// How often a missing tray is looked for again while the item waits for one.
+constexpr std::chrono::milliseconds trayPollInterval{500};
+
+// Whether a StatusNotifierItem host is registered on the session bus: the
+// question Qt asks once, when it makes its first tray icon, to choose between
+// exporting the icon and its menu over D-Bus and docking it by XEmbed.
+bool statusNotifierHostRegistered() {
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        return false;
+    }
+    QDBusMessage get = QDBusMessage::createMethodCall(
+        QStringLiteral("org.kde.StatusNotifierWatcher"), QStringLiteral("/StatusNotifierWatcher"),
+        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    get << QStringLiteral("org.kde.StatusNotifierWatcher")
+        << QStringLiteral("IsStatusNotifierHostRegistered");
+    get.setAutoStartService(false);
+    const QDBusMessage reply = bus.call(get, QDBus::Block, 1000);
+    return reply.type() == QDBusMessage::ReplyMessage &&
+           reply.arguments().value(0).value<QDBusVariant>().variant().toBool();
+}
+
+} // namespace
+
+TrayStatusItem::TrayStatusItem(LineSink& out, Options options)
+    : out_(out),
+      modifiers_(options.modifiers ? std::move(options.modifiers)
+                                   : ModifierQuery(&QGuiApplication::queryKeyboardModifiers)),
+      applier_(menu_, [this](MenuAction action) { rowTriggered(action); }),
+      trayWaitEnd_(std::chrono::steady_clock::now() + options.trayWait),
+      exported_(options.exported ? *options.exported : statusNotifierHostRegistered()) {
     style_.setParent(this);
     menu_.setStyle(&style_);
     connect(&menu_, &QMenu::aboutToShow, this, &TrayStatusItem::menuAboutToShow);
@@ -24,9 +55,11 @@ TrayStatusItem::TrayStatusItem(LineSink& out, ModifierQuery modifiers)
     connect(&tray_, &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 if (reason == QSystemTrayIcon::Trigger && !menu_.isVisible()) {
-                    menu_.popup(QCursor::pos());
+                    popUp(QCursor::pos());
                 }
             });
+    trayWait_.setInterval(trayPollInterval);
+    connect(&trayWait_, &QTimer::timeout, this, &TrayStatusItem::checkForTray);
 }
 
 TrayStatusItem::~TrayStatusItem() {
@@ -57,14 +90,9 @@ void TrayStatusItem::setImage(const std::string& name) {
 
 void TrayStatusItem::showIcon() {
     shown_ = true;
-    if (!QSystemTrayIcon::isSystemTrayAvailable()) {
-        out_.line("No system tray available: the menu is not shown; the shortcut still works");
-        if (noTrayCallback_) {
-            noTrayCallback_();
-        }
-    }
-    // Shown even without a tray: an XEmbed tray that starts later picks it up.
+    // Shown even without a tray: a tray that starts later picks it up.
     tray_.show();
+    checkForTray();
     if (shownCallback_) {
         QTimer::singleShot(0, this, [this] {
             if (auto callback = std::exchange(shownCallback_, {})) {
@@ -72,6 +100,30 @@ void TrayStatusItem::showIcon() {
             }
         });
     }
+}
+
+void TrayStatusItem::checkForTray() {
+    if (QSystemTrayIcon::isSystemTrayAvailable()) {
+        trayWait_.stop();
+        return;
+    }
+    if (std::chrono::steady_clock::now() < trayWaitEnd_) {
+        if (!trayWait_.isActive()) {
+            trayWait_.start();
+        }
+        return;
+    }
+    trayWait_.stop();
+    out_.line("No system tray available: the menu is not shown; the shortcut still works");
+    if (noTrayCallback_) {
+        noTrayCallback_();
+    }
+}
+
+void TrayStatusItem::popUp(const QPoint& at) {
+    poppingUp_ = true;
+    menu_.popup(at);
+    poppingUp_ = false;
 }
 
 void TrayStatusItem::setMenu(const MenuModel& menu) {
@@ -88,6 +140,10 @@ void TrayStatusItem::setHandler(StatusItemHandler* handler) {
 }
 
 void TrayStatusItem::menuAboutToShow() {
+    // The host draws the exported menu from the rows it already has.
+    if (exported_ && !poppingUp_) {
+        return;
+    }
     // Reopened before the last close was handled: finish that one first, so
     // every opening is paired with its close.
     if (open_ && !opening_) {

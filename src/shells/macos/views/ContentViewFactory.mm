@@ -7,16 +7,13 @@
 #include "shells/macos/views/PrefsView.hpp"
 
 #import <AppKit/AppKit.h>
-
 #include <variant>
 
 namespace hg::mac {
 
 namespace {
 
-template <class... Ts> struct Overloaded : Ts... {
-    using Ts::operator()...;
-};
+template <class... Ts> struct Overloaded : Ts... { using Ts::operator()...; };
 template <class... Ts> Overloaded(Ts...) -> Overloaded<Ts...>;
 
 void* emptyView() {
@@ -28,7 +25,9 @@ void* emptyView() {
 void* makeContentView(const WindowContent& content) {
     return std::visit(
         Overloaded{
-            [](const AccessibilitySetupContent& c) { return makeEnableAXView(c.promptAction); },
+            [](const AccessibilitySetupContent& c) {
+                return makeEnableAXView(c.promptAction, c.globeKeyNote);
+            },
             [](const AppSetupContent& c) {
                 if (c.view.kind == SetupView::Kind::tupleCLI) {
                     return makeEnableTupleCLIView();

@@ -5,14 +5,16 @@
 #import <AppKit/AppKit.h>
 
 @interface HGEnableAXView : NSView
-- (instancetype)initWithPromptAction:(std::function<void()>)promptAction;
+- (instancetype)initWithPromptAction:(std::function<void()>)promptAction
+                        globeKeyNote:(const std::string&)globeKeyNote;
 @end
 
 @implementation HGEnableAXView {
     std::function<void()> _promptAction;
 }
 
-- (instancetype)initWithPromptAction:(std::function<void()>)promptAction {
+- (instancetype)initWithPromptAction:(std::function<void()>)promptAction
+                        globeKeyNote:(const std::string&)globeKeyNote {
     self = [super initWithFrame:NSMakeRect(0, 0, 560, 620)];
     if (self == nil) {
         return nil;
@@ -42,7 +44,15 @@
     // The window's default button: drawn as such, and Return presses it.
     grant.keyEquivalent = @"\r";
 
-    NSStackView* column = [NSStackView stackViewWithViews:@[ textArea, picture, grant ]];
+    NSMutableArray<NSView*>* rows = [NSMutableArray arrayWithObject:textArea];
+    if (!globeKeyNote.empty()) {
+        [rows addObject:(__bridge_transfer NSTextField*)hg::mac::makeLabel(
+                            globeKeyNote, {.colour = hg::mac::TextColour::secondary,
+                                           .centred = true,
+                                           .wrapWidth = 420})];
+    }
+    [rows addObjectsFromArray:@[ picture, grant ]];
+    NSStackView* column = [NSStackView stackViewWithViews:rows];
     column.orientation = NSUserInterfaceLayoutOrientationVertical;
     column.alignment = NSLayoutAttributeCenterX;
     // The button's own padding comes on top of the spacing.
@@ -78,9 +88,10 @@
 
 namespace hg::mac {
 
-void* makeEnableAXView(std::function<void()> promptAction) {
+void* makeEnableAXView(std::function<void()> promptAction, const std::string& globeKeyNote) {
     return (__bridge_retained void*)[[HGEnableAXView alloc]
-        initWithPromptAction:std::move(promptAction)];
+        initWithPromptAction:std::move(promptAction)
+                globeKeyNote:globeKeyNote];
 }
 
 } // namespace hg::mac

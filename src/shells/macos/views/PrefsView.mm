@@ -1,13 +1,14 @@
 #include "shells/macos/views/PrefsView.hpp"
 
 #include "core/UserPrefs.hpp"
+#include "hotkey/GlobeKeyNote.hpp"
+#include "hotkey/HotkeyRecorder.hpp"
 #include "shells/macos/views/HotkeyRecorderControl.hpp"
 #include "shells/macos/views/LaunchAtLoginToggle.hpp"
 #include "shells/macos/views/RedrawScheduler.hpp"
 #include "shells/macos/views/ViewStyle.hpp"
 
 #import <AppKit/AppKit.h>
-
 #include <optional>
 
 namespace {
@@ -37,12 +38,14 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
 
 @implementation HGPrefsView {
     hg::UserPrefs* _prefs;
+    hg::HotkeyRecorder* _recorder;
     std::function<void()> _showAbout;
     std::optional<hg::mac::RedrawScheduler> _redraw;
     NSButton* _zoom;
     NSButton* _tuple;
     NSButton* _microphone;
     NSButton* _otherApps;
+    NSTextField* _globeKeyNote;
 }
 
 - (instancetype)initWithPrefs:(hg::UserPrefs*)prefs
@@ -54,6 +57,7 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
         return nil;
     }
     _prefs = prefs;
+    _recorder = recorder;
     _showAbout = std::move(showAbout);
 
     NSView* field = (__bridge_transfer NSView*)hg::mac::makeHotkeyRecorderControl(*recorder);
@@ -61,6 +65,12 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
     NSView* shortcutRow =
         row(@[ [NSTextField labelWithString:@"Mute Shortcut:"], field ], rowSpacing);
 
+    // Under the shortcut while it is fn alone and macOS acts on the Globe key.
+    _globeKeyNote = (__bridge_transfer NSTextField*)hg::mac::makeLabel(
+        std::string(hg::globeKeyNoteText), {.font = hg::mac::TextFont::caption,
+                                            .colour = hg::mac::TextColour::secondary,
+                                            .centred = true,
+                                            .wrapWidth = 280});
     NSTextField* hint = (__bridge_transfer NSTextField*)hg::mac::makeLabel(
         "Double tap to toggle resting status",
         {.colour = hg::mac::TextColour::grey, .italic = true});
@@ -86,6 +96,10 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
     NSButton* update = [NSButton buttonWithTitle:@"Check For Updates..."
                                           target:self
                                           action:@selector(checkForUpdates:)];
+    if (const auto& off = _prefs->updatesOffReason()) {
+        update.enabled = NO;
+        update.toolTip = @(off->c_str());
+    }
     NSButton* about = [NSButton buttonWithTitle:@"About..."
                                          target:self
                                          action:@selector(showAbout:)];
@@ -95,7 +109,8 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
     NSBox* upperDivider = (__bridge_transfer NSBox*)hg::mac::makeDivider();
     NSBox* lowerDivider = (__bridge_transfer NSBox*)hg::mac::makeDivider();
     NSStackView* column = [NSStackView stackViewWithViews:@[
-        shortcutRow, hint, login, upperDivider, _otherApps, muteOnJoin, lowerDivider, buttons
+        shortcutRow, _globeKeyNote, hint, login, upperDivider, _otherApps, muteOnJoin, lowerDivider,
+        buttons
     ]];
     column.orientation = NSUserInterfaceLayoutOrientationVertical;
     column.alignment = NSLayoutAttributeCenterX;
@@ -118,6 +133,7 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
     __weak HGPrefsView* weakSelf = self;
     _redraw.emplace([weakSelf] { [weakSelf redraw]; });
     _redraw->observe(prefs->objectWillChange());
+    _redraw->observe(recorder->objectWillChange());
     [self redraw];
     return self;
 }
@@ -129,6 +145,7 @@ NSStackView* row(NSArray<NSView*>* views, CGFloat spacing) {
         _prefs->muteOnJoinMicrophone() ? NSControlStateValueOn : NSControlStateValueOff;
     _otherApps.state =
         _prefs->muteMicrophoneInOtherApps() ? NSControlStateValueOn : NSControlStateValueOff;
+    _globeKeyNote.hidden = !_recorder->globeKeyNote().has_value();
 }
 
 - (void)zoomToggled:(NSButton*)sender {

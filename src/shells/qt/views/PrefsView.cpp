@@ -69,6 +69,10 @@ PrefsView::PrefsView(UserPrefs& prefs, HotkeyRecorder& recorder, LaunchAtLogin& 
     auto* update = new QPushButton(QStringLiteral("Check For Updates..."), this);
     auto* about = new QPushButton(QStringLiteral("About..."), this);
     update->setAutoDefault(false);
+    if (const auto& off = prefs_.updatesOffReason()) {
+        update->setEnabled(false);
+        update->setToolTip(QString::fromStdString(*off));
+    }
     about->setAutoDefault(false);
     buttons->addWidget(update);
     buttons->addWidget(about);

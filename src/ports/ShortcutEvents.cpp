@@ -1,4 +1,6 @@
-#include "hotkey/ShortcutEvents.hpp"
+#include "ports/ShortcutEvents.hpp"
+
+#include "ports/ModifierKeys.hpp"
 
 #include <array>
 #include <utility>
@@ -18,14 +20,15 @@ constexpr std::array<std::pair<std::uint64_t, std::uint16_t>, 5> modifierKeys{{
 
 } // namespace
 
-std::optional<ShortcutEvents> ShortcutEvents::of(const Hotkey& hotkey) {
-    const std::uint64_t modifiers = hotkey.modifiers & Hotkey::significantMask;
-    if (hotkey.keyCode != Hotkey::noKey) {
+std::optional<ShortcutEvents> ShortcutEvents::of(const Shortcut& shortcut) {
+    const std::uint64_t modifiers = shortcut.modifiers & Shortcut::significantMask;
+    if (shortcut.keyCode != Shortcut::noKey) {
         return ShortcutEvents{
-            .press =
-                TapEvent{.type = tapevent::keyDown, .keyCode = hotkey.keyCode, .flags = modifiers},
+            .press = TapEvent{.type = tapevent::keyDown,
+                              .keyCode = shortcut.keyCode,
+                              .flags = modifiers},
             .release =
-                TapEvent{.type = tapevent::keyUp, .keyCode = hotkey.keyCode, .flags = modifiers},
+                TapEvent{.type = tapevent::keyUp, .keyCode = shortcut.keyCode, .flags = modifiers},
         };
     }
     for (const auto& [bit, keyCode] : modifierKeys) {
