@@ -7,8 +7,8 @@ include(GNUInstallDirs)
 set(hg_app_id app.hushgremlin.HushGremlin)
 set(hg_pkg ${PROJECT_SOURCE_DIR}/packaging/linux)
 set(hg_gen ${PROJECT_BINARY_DIR}/packaging)
-# Where the package puts the program; the D-Bus service file names it there.
-set(HG_PACKAGE_BINARY /usr/${CMAKE_INSTALL_BINDIR}/hushgremlin)
+# HG_PACKAGE_BINARY (the top CMakeLists.txt) is where the package puts the
+# program; the D-Bus service file names it there.
 
 install(TARGETS hushgremlin RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 install(FILES ${hg_pkg}/${hg_app_id}.desktop DESTINATION ${CMAKE_INSTALL_DATADIR}/applications)
@@ -70,7 +70,6 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 # The first Debian revision of each release: its changelog says the same.
 set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
-set(CPACK_DEBIAN_PACKAGE_HOMEPAGE ${HG_ABOUT_PROFILE_URL})
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 # Reading other applications needs the desktop's accessibility bus, which no
 # library dependency names.

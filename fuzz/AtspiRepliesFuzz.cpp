@@ -19,6 +19,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <string>
 #include <sys/prctl.h>
 #include <tuple>
@@ -184,6 +185,10 @@ QDBusConnection* bus = nullptr;
 
 // A private bus, for the life of the fuzzer.
 void startBus() {
+    // Its socket goes in the temporary folder (scripts/fuzz gives each run
+    // its own), as the daemon, killed with the fuzzer, leaves it behind.
+    const std::string listen =
+        "--address=unix:dir=" + std::filesystem::temp_directory_path().string();
     int out[2];
     if (::pipe(out) != 0) {
         finding("no pipe");
@@ -196,7 +201,7 @@ void startBus() {
         ::dup2(null, 0);
         ::dup2(null, 2);
         ::execlp("dbus-daemon", "dbus-daemon", "--session", "--nofork", "--print-address=1",
-                 static_cast<char*>(nullptr));
+                 listen.c_str(), static_cast<char*>(nullptr));
         ::_exit(127);
     }
     ::close(out[1]);

@@ -11,6 +11,7 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -22,6 +23,12 @@ const std::string& configHome() {
         std::filesystem::create_directories(path / "autostart");
         return path.string();
     }();
+    // Gone when the run ends (a fault's exit leaves it for a look); registered
+    // once the folder's name exists, so it runs before that name is destroyed.
+    [[maybe_unused]] static const int removed = std::atexit([] {
+        std::error_code ignored;
+        std::filesystem::remove_all(configHome(), ignored);
+    });
     return home;
 }
 

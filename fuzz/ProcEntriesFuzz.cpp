@@ -11,6 +11,7 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <unistd.h>
 
 namespace {
@@ -35,6 +36,12 @@ const std::filesystem::path& procRoot() {
         std::filesystem::create_directories(path / "4242");
         return path;
     }();
+    // Gone when the run ends (a fault's exit leaves it for a look); registered
+    // once the folder's name exists, so it runs before that name is destroyed.
+    [[maybe_unused]] static const int removed = std::atexit([] {
+        std::error_code ignored;
+        std::filesystem::remove_all(procRoot(), ignored);
+    });
     return root;
 }
 

@@ -170,7 +170,7 @@ protected:
     ChildProcess& startProgram(const std::string& configHome) {
         program_ = std::make_unique<ChildProcess>(
             std::vector<std::string>{
-                "env", "HUSHGREMLIN_APP_IDENTITIES=us.zoom.xos=" + zoom_->processName(),
+                "env", "HUSHGREMLIN_TEST_APP_IDENTITIES=us.zoom.xos=" + zoom_->processName(),
                 "QT_QPA_PLATFORM=xcb", "XDG_CONFIG_HOME=" + configHome, HG_DESKTOP_PROGRAM},
             DesktopSession::shared()->scratchDir() + "/hushgremlin.log");
         return *program_;

@@ -79,7 +79,7 @@ TEST_F(WaylandDesktop, ThePortalAndTheCommandLinePushToTalkAndTheProgramRunsOnce
         .setValue("mute_hotkey_v2", QByteArray(R"({"keyCode":40,"modifiers":262144})"));
     zoom_->command("join muted");
     const std::vector<std::string> start{"env",
-                                         "HUSHGREMLIN_APP_IDENTITIES=us.zoom.xos=" +
+                                         "HUSHGREMLIN_TEST_APP_IDENTITIES=us.zoom.xos=" +
                                              zoom_->processName(),
                                          "XDG_SESSION_TYPE=wayland",
                                          "HUSHGREMLIN_TRAY_WAIT=0",

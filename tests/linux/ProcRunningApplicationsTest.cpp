@@ -5,6 +5,7 @@
 #include "backends/linux/AppIdentities.hpp"
 
 #include <QTemporaryDir>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
@@ -138,7 +139,7 @@ TEST_F(ProcTree, PutsProcessesWithAnAccessibleApplicationFirstOnlyWhenABundleHas
     EXPECT_EQ(asked, 1) << "the bus was asked although no bundle had two processes";
 }
 
-TEST(AppIdentities, ParsesTheEnvironmentsExtraIdentitiesAndSkipsMalformedOnes) {
+TEST(AppIdentities, ReadsTheEnvironmentsIdentitiesAndSkipsMalformedOnes) {
     const auto parsed =
         parseAppIdentities(" us.zoom.xos = hg-fixture-app ,bad,=x,a=,app.tuple.app=tpl");
     ASSERT_EQ(parsed.size(), 2U);
@@ -147,6 +148,14 @@ TEST(AppIdentities, ParsesTheEnvironmentsExtraIdentitiesAndSkipsMalformedOnes) {
     EXPECT_EQ(parsed[1].bundleIdentifier, "app.tuple.app");
     EXPECT_THAT(parsed[1].processNames, ElementsAre("tpl"));
     EXPECT_THAT(parseAppIdentities(""), IsEmpty());
+
+    // A test build's harness names the only apps; the built-in names go.
+    ::setenv("HUSHGREMLIN_TEST_APP_IDENTITIES", "us.zoom.xos=hg-fixture-app", 1);
+    const auto only = defaultAppIdentities();
+    ::unsetenv("HUSHGREMLIN_TEST_APP_IDENTITIES");
+    ASSERT_EQ(only.size(), 1U);
+    EXPECT_THAT(only[0].processNames, ElementsAre("hg-fixture-app"));
+    EXPECT_GE(defaultAppIdentities().size(), knownAppIdentities().size());
 }
 
 } // namespace

@@ -35,6 +35,8 @@ TEST_F(XdgLoginItemsTest, RegisterWritesTheEntryAndUnregisterRemovesIt) {
     EXPECT_EQ(entry.rfind("[Desktop Entry]\n", 0), 0u);
     EXPECT_NE(entry.find("\nType=Application\n"), std::string::npos);
     EXPECT_NE(entry.find("\nExec=/opt/HushGremlin/bin/hushgremlin\n"), std::string::npos);
+    EXPECT_NE(entry.find("\nTryExec=/opt/HushGremlin/bin/hushgremlin\n"), std::string::npos)
+        << "a session skips the entry once the program is uninstalled";
 
     EXPECT_EQ(items_.unregisterItem(), std::nullopt);
     EXPECT_EQ(items_.status(), Status::notRegistered);

@@ -53,6 +53,11 @@ std::vector<AppIdentity> environmentAppIdentities() {
 }
 
 std::vector<AppIdentity> defaultAppIdentities() {
+#ifdef HG_TEST_APP_IDENTITIES
+    if (const char* only = std::getenv("HUSHGREMLIN_TEST_APP_IDENTITIES"); only != nullptr) {
+        return parseAppIdentities(only);
+    }
+#endif
     std::vector<AppIdentity> identities = knownAppIdentities();
     for (auto& extra : environmentAppIdentities()) {
         identities.push_back(std::move(extra));

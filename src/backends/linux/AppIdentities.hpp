@@ -32,7 +32,11 @@ struct AppIdentity {
 [[nodiscard]] std::vector<AppIdentity> parseAppIdentities(std::string_view text);
 [[nodiscard]] std::vector<AppIdentity> environmentAppIdentities();
 
-// The known identities followed by those from the environment.
+// The known identities followed by those from the environment. In builds
+// with the tests (HG_BUILD_TESTS), HUSHGREMLIN_TEST_APP_IDENTITIES, when set,
+// replaces them all: a test names the only apps the program may see, so that
+// a Zoom or Tuple of the user's own cannot change its result. The shipped
+// program is built without the tests and ignores it.
 [[nodiscard]] std::vector<AppIdentity> defaultAppIdentities();
 
 // A process name as /proc/PID/comm shows it: at most 15 bytes.

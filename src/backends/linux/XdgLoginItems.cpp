@@ -37,6 +37,31 @@ bool switchedOff(const QByteArray& contents) {
     return false;
 }
 
+// A value of the desktop entry string type: a backslash doubled, a line
+// break or tab written as \n, \r, \t.
+std::string entryString(const std::string& text) {
+    std::string value;
+    for (const char c : text) {
+        switch (c) {
+        case '\\':
+            value += "\\\\";
+            break;
+        case '\n':
+            value += "\\n";
+            break;
+        case '\r':
+            value += "\\r";
+            break;
+        case '\t':
+            value += "\\t";
+            break;
+        default:
+            value += c;
+        }
+    }
+    return value;
+}
+
 } // namespace
 
 XdgLoginItems::XdgLoginItems(std::string programPath, std::string configHome)
@@ -119,6 +144,9 @@ std::optional<std::string> XdgLoginItems::registerItem() {
                                  "Type=Application\n"
                                  "Name=HushGremlin\n"
                                  "Comment=Shows and toggles the microphone mute of Zoom and Tuple\n"
+                                 "TryExec=" +
+                                 entryString(programPath_) +
+                                 "\n"
                                  "Exec=" +
                                  execArgument(programPath_) +
                                  "\n"

@@ -17,7 +17,9 @@ namespace hg {
 // (/etc/xdg/autostart) are not looked at.
 class XdgLoginItems final : public LoginItems {
 public:
-    // `programPath`: the installed program, run by the entry. `configHome`:
+    // `programPath`: the installed program, run by the entry; its TryExec key
+    // names it too, so that a session skips the entry once the program is
+    // gone (the entry is the user's and outlives an uninstall). `configHome`:
     // the configuration folder; empty means the XDG rules above, looked up at
     // every call.
     explicit XdgLoginItems(std::string programPath, std::string configHome = {});

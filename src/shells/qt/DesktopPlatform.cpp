@@ -6,7 +6,6 @@
 #include "backends/linux/ProcRunningApplications.hpp"
 #include "backends/linux/PulseMicrophone.hpp"
 #include "backends/linux/X11EventTap.hpp"
-#include "backends/linux/XdgLoginItems.hpp"
 #include "backends/linux/XkbKeyboardLayout.hpp"
 #include "backends/posix/PosixFileSystem.hpp"
 #include "backends/posix/PosixProcessRunner.hpp"
@@ -17,6 +16,7 @@
 #include "shells/qt/AppcastUpdater.hpp"
 #include "shells/qt/BriefRunningApplicationsCache.hpp"
 #include "shells/qt/DesktopNotifications.hpp"
+#include "shells/qt/InstalledProgramLoginItems.hpp"
 #include "shells/qt/MessageBoxUpdateAnswers.hpp"
 #include "shells/qt/QtApplication.hpp"
 #include "shells/qt/QtLocalKeyMonitor.hpp"
@@ -119,7 +119,7 @@ struct DesktopPlatform::Backends {
     std::unique_ptr<EventTap> eventTap = makeEventTap(storedHotkey, out);
     XkbKeyboardLayout keyboardLayout;
     QtLocalKeyMonitor localKeyMonitor{nativeMacKeyCode};
-    XdgLoginItems loginItems{QCoreApplication::applicationFilePath().toStdString()};
+    InstalledProgramLoginItems loginItems{out};
     QtUnifiedLog unifiedLog;
     MessageBoxUpdateAnswers updateAnswers;
     AppcastUpdater updater{
