@@ -119,9 +119,13 @@ std::optional<std::string> property(NSRunningApplication* program, FourCharCode 
     [specifier setDescriptor:[NSAppleEventDescriptor descriptorWithTypeCode:code]
                   forKeyword:keyAEKeyData];
     [specifier setDescriptor:[NSAppleEventDescriptor nullDescriptor] forKeyword:keyAEContainer];
+    NSAppleEventDescriptor* object = [specifier coerceToDescriptorType:typeObjectSpecifier];
+    if (object == nil) {
+        failure.failure = "HushGremlin's status could not be asked for";
+        return std::nullopt;
+    }
     NSAppleEventDescriptor* get = eventTo(program, kAECoreSuite, kAEGetData);
-    [get setParamDescriptor:[specifier coerceToDescriptorType:typeObjectSpecifier]
-                 forKeyword:keyDirectObject];
+    [get setParamDescriptor:object forKeyword:keyDirectObject];
     failure = send(get);
     if (!failure.failure.empty()) {
         return std::nullopt;
@@ -218,7 +222,7 @@ int runScriptingClient(int argc, char** argv) {
                 return 1;
             }
             NSURL* url = [NSURL URLWithString:@"hushgremlin://preferences"];
-            return [[NSWorkspace sharedWorkspace] openURL:url] ? 0 : 1;
+            return url != nil && [[NSWorkspace sharedWorkspace] openURL:url] ? 0 : 1;
         }
         if (line->command == RemoteCommand::debug) {
             printLine(stderr, "On a Mac the debug view is the menu's row shown while Option "
