@@ -102,7 +102,7 @@ Clock::duration longestLive(std::chrono::milliseconds span) {
     Clock::duration longest{};
     std::optional<Clock::time_point> liveSince;
     while (Clock::now() < end) {
-        const bool muted = Audio::recordedSourcesMuted();
+        const bool muted = Audio::recordingsSilent();
         const auto now = Clock::now();
         if (!muted && !liveSince) {
             liveSince = now;

@@ -1,5 +1,8 @@
 #include "PipeWireSession.hpp"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
 #include <QStandardPaths>
 #include <cstdlib>
@@ -93,27 +96,26 @@ bool PipeWireSession::addSource(const char* name) {
     return waitUntil([name] { return mute(name) == "no" || mute(name) == "yes"; });
 }
 
-bool PipeWireSession::recordedSourcesMuted() {
-    // "INDEX SOURCE CLIENT ..." per stream; "INDEX NAME ..." per source.
-    const auto column = [](const std::string& line, int which) {
-        std::istringstream words(line);
-        std::string word;
-        for (int i = 0; i <= which; ++i) {
-            words >> word;
-        }
-        return word;
+bool PipeWireSession::recordingsSilent() {
+    const auto list = [](const char* what) {
+        return QJsonDocument::fromJson(
+                   QByteArray::fromStdString(
+                       pactl({QStringLiteral("--format=json"), QStringLiteral("list"),
+                              QString::fromLatin1(what)})
+                           .value_or("[]")))
+            .array();
     };
-    std::istringstream streams(
-        pactl({QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("source-outputs")})
-            .value_or(""));
-    const std::string sources =
-        pactl({QStringLiteral("list"), QStringLiteral("short"), QStringLiteral("sources")})
-            .value_or("");
-    for (std::string stream; std::getline(streams, stream);) {
-        std::istringstream lines(sources);
-        for (std::string source; std::getline(lines, source);) {
-            if (column(source, 0) == column(stream, 1) &&
-                mute(column(source, 1).c_str()) != "yes") {
+    // Inputs first: a stream that moves meanwhile is judged by how its new
+    // input was before, so a mute that comes late is never missed.
+    const QJsonArray sources = list("sources");
+    const QJsonArray streams = list("source-outputs");
+    for (const auto stream : streams) {
+        if (stream[QStringLiteral("mute")].toBool()) {
+            continue;
+        }
+        for (const auto source : sources) {
+            if (source[QStringLiteral("index")] == stream[QStringLiteral("source")] &&
+                !source[QStringLiteral("mute")].toBool()) {
                 return false;
             }
         }

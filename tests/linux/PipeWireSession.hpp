@@ -40,9 +40,9 @@ public:
     // server lists it.
     static bool addSource(const char* name);
     static void setDefaultSource(const char* name);
-    // Whether every source some stream records from is muted (true when
-    // none is recorded).
-    static bool recordedSourcesMuted();
+    // Whether every recording stream is silenced, by its own mute or its
+    // input's (true when nothing records).
+    static bool recordingsSilent();
     // Unplugs the virtual source.
     static void removeSource();
 

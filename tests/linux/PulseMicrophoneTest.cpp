@@ -62,6 +62,23 @@ TEST_F(RealMicrophone, TheBackendFollowsTheRecordingAndTheMuteAndSurvivesTheServ
     Audio::setSourceMute(false);
     EXPECT_TRUE(waitUntil([&] { return changes > 0; })) << "a change made elsewhere";
     EXPECT_EQ(mic.isMuted(input), false);
+    EXPECT_TRUE(waitUntil([] { return !Audio::recordingsSilent(); }))
+        << "the call's own mute goes with its input's";
+
+    // A new default input takes the call's stream over: it stays muted on
+    // an input nobody muted, and is live again once unmuted where it is.
+    constexpr const char* headset = "hg_headset_mic";
+    ASSERT_TRUE(Audio::addSource(headset));
+    ASSERT_TRUE(mic.setMuted(input, true));
+    Audio::setDefaultSource(headset);
+    ASSERT_TRUE(waitUntil([&] { return mic.isRecording(headset) == true; }));
+    EXPECT_EQ(mic.isMuted(headset), false);
+    EXPECT_TRUE(Audio::recordingsSilent());
+    ASSERT_TRUE(mic.setMuted(headset, false));
+    EXPECT_TRUE(waitUntil([] { return !Audio::recordingsSilent(); }));
+    Audio::setDefaultSource(Audio::source);
+    ASSERT_TRUE(waitUntil([&] { return mic.isRecording(input) == true; }));
+    ASSERT_TRUE(mic.setMuted(input, false));
 
     changes = 0;
     call.reset();
@@ -197,7 +214,7 @@ TEST_F(RealMicrophone, TheProgramLiftsItsMuteOnceNoCallRecordsWhateverHappensMea
     const auto until = std::chrono::steady_clock::now() + 2500ms;
     bool neverLive = true;
     while (std::chrono::steady_clock::now() < until) {
-        neverLive = neverLive && Audio::recordedSourcesMuted();
+        neverLive = neverLive && Audio::recordingsSilent();
     }
     EXPECT_TRUE(neverLive) << "the call recorded live after the default input changed";
     call.reset();
