@@ -36,10 +36,7 @@ public:
     // Whether `input` is muted; none when it cannot be read.
     virtual std::optional<bool> isMuted(const std::string& input) = 0;
 
-    // Mutes or unmutes `input`; false when that failed. Where the audio
-    // service can, the recordings on a muted input stay muted when the
-    // service moves them to another input (the default input changed), until
-    // that input is muted too or unmuted here.
+    // Mutes or unmutes `input`; false when that failed.
     virtual bool setMuted(const std::string& input, bool muted) = 0;
 
     // `onChange` runs on the main thread, from the main loop and never from

@@ -1,8 +1,6 @@
 #include "backends/linux/PulseMicrophone.hpp"
 
 #include "backends/linux/PulseConnection.hpp"
-#include "backends/linux/PulseSnapshot.hpp"
-#include "backends/linux/PulseStreamMutes.hpp"
 
 #include <QObject>
 #include <QSocketNotifier>
@@ -22,8 +20,21 @@ namespace hg {
 namespace {
 
 using Clock = PulseConnection::Clock;
-using Snapshot = PulseSnapshot;
-using Source = PulseSource;
+
+struct Source {
+    std::uint32_t index = PA_INVALID_INDEX;
+    bool muted = false;
+    bool monitor = false;
+    bool recording = false;
+    bool operator==(const Source&) const = default;
+};
+
+// What the server holds that the answers come from.
+struct Snapshot {
+    std::string defaultName;
+    std::map<std::string, Source, std::less<>> sources;
+    bool operator==(const Snapshot&) const = default;
+};
 
 bool equals(const char* text, const char* expected) {
     return text != nullptr && std::strcmp(text, expected) == 0;
@@ -44,12 +55,7 @@ bool records(const pa_source_output_info& stream) {
 
 struct PulseMicrophone::Impl {
     Impl(LineSink& sink, Options chosen) : out(sink), options(chosen) {}
-    ~Impl() {
-        unwatch();
-        if (connection != nullptr && snapshot && connection->isReady()) {
-            streamMutes.releaseAll(*connection, *snapshot, Clock::now() + options.commandTimeout);
-        }
-    }
+    ~Impl() { unwatch(); }
 
     LineSink& out;
     Options options;
@@ -58,7 +64,6 @@ struct PulseMicrophone::Impl {
     bool stale = true;
     // Empty while the server cannot be read.
     std::optional<Snapshot> snapshot;
-    PulseStreamMutes streamMutes;
     std::optional<Clock::time_point> retryAt;
     bool outageSaid = false;
     std::function<void()> onChange;
@@ -101,7 +106,6 @@ struct PulseMicrophone::Impl {
         unwatch();
         connection.reset();
         snapshot.reset();
-        streamMutes.reset();
         retryAt = Clock::now() + options.retryAfter;
         out.line("Microphone: lost the audio server (" + why + ")");
         outageSaid = true;
@@ -152,31 +156,24 @@ struct PulseMicrophone::Impl {
             lost(why);
             return false;
         }
+        std::vector<std::uint32_t> recorded;
         if (!connection->await(
                 pa_context_get_source_output_info_list(
                     context,
                     [](pa_context*, const pa_source_output_info* info, int eol, void* data) {
                         if (eol == 0 && info != nullptr && records(*info)) {
-                            static_cast<Snapshot*>(data)->streams.push_back(
-                                PulseStream{info->index, info->source, info->mute != 0});
+                            static_cast<std::vector<std::uint32_t>*>(data)->push_back(info->source);
                         }
                     },
-                    &next),
+                    &recorded),
                 deadline, why)) {
             lost(why);
             return false;
         }
         for (auto& [name, source] : next.sources) {
             // A sink's monitor is never a microphone.
-            source.recording =
-                !source.monitor && std::any_of(next.streams.begin(), next.streams.end(),
-                                               [&source](const PulseStream& stream) {
-                                                   return stream.source == source.index;
-                                               });
-        }
-        if (!streamMutes.follow(*connection, next, Clock::now() + options.commandTimeout, why)) {
-            lost(why);
-            return false;
+            source.recording = !source.monitor && std::find(recorded.begin(), recorded.end(),
+                                                            source.index) != recorded.end();
         }
         snapshot = std::move(next);
         return true;
@@ -300,11 +297,6 @@ bool PulseMicrophone::setMuted(const std::string& input, bool muted) {
         return false;
     }
     impl.snapshot->sources[input].muted = muted;
-    if (!impl.streamMutes.inputSet(*impl.connection, *impl.snapshot, input, muted,
-                                   Clock::now() + impl.options.commandTimeout, why)) {
-        impl.lost(why);
-        return false;
-    }
     impl.watch();
     return true;
 }

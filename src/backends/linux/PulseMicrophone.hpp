@@ -15,9 +15,6 @@ namespace hg {
 // volume controls open them) do not count, and a sink's monitor is never a
 // microphone.
 //
-// Muting an input mutes the streams recording from it too, so that a call the
-// server moves to a new default input stays muted (see PulseStreamMutes).
-//
 // Nothing connects before the first question. Then one connection stays open;
 // the server reports every change, and only then are the sources and the
 // streams read again, so an idle second costs one poll without waiting. With
