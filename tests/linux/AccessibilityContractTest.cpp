@@ -291,6 +291,24 @@ TEST_P(AccessibilityContract, TheMenuBarOnScreenIsReadNotAHiddenTwin) {
     EXPECT_THAT(lines(), ElementsAre("GETTING BUTTON"));
 }
 
+TEST_P(AccessibilityContract, TheMeetingMenuIsFoundInAWindowThatOpensLater) {
+    if (GetParam() != "qt6") {
+        GTEST_SKIP() << "the meeting window is opened by the Qt 6 fixture only";
+    }
+    // The main window's menu bar is read first; the meeting then opens a
+    // window of its own, with the "Meeting" menu in its own menu bar.
+    AtspiAccessibility ax{AtspiAccessibility::Options{.alwaysOn = true}};
+    ZoomMeetingApp zoom(ax, *world_->apps, out_);
+    EXPECT_EQ(zoom.fetchStatus(), MeetingStatus::noMeeting);
+    world_->command("meeting window");
+    world_->command("join muted");
+    EXPECT_EQ(zoom.fetchStatus(), MeetingStatus::onMute);
+    EXPECT_EQ(zoom.toggleMute(MeetingStatus::onMute), MeetingStatus::offMute);
+    EXPECT_EQ(world_->command("state"), "unmuted");
+    world_->command("leave");
+    EXPECT_EQ(zoom.fetchStatus(), MeetingStatus::noMeeting);
+}
+
 INSTANTIATE_TEST_SUITE_P(Backends, AccessibilityContract,
                          ::testing::Values("fake", "qt6", "gtk3", "qt5"),
                          [](const ::testing::TestParamInfo<std::string>& p) { return p.param; });

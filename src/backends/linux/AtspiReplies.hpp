@@ -12,6 +12,7 @@ namespace hg {
 struct AtspiObjectRef {
     QString service;
     QString path;
+    bool operator==(const AtspiObjectRef&) const = default;
 };
 
 // Readers for the reply arguments of the AT-SPI calls the backend makes. Each

@@ -217,11 +217,27 @@ bool AtspiTree::mayBeHidden(const Facts& facts) const {
 
 AXError AtspiTree::children(const AtspiObjectRef& object, std::vector<AtspiObjectRef>& out) {
     forgetWhenIdle();
-    const Facts& parent = facts(object, needShape);
+    // The menu bar chosen for an application stands for the bars of all its
+    // windows on screen, as one bar serves a whole application elsewhere: a
+    // menu is found in whichever window holds it.
+    const auto remembered = menuBars_.find(object.service);
+    const bool merged = remembered != menuBars_.end() && remembered->second.bar.path == object.path;
+    std::vector<AtspiObjectRef> bars{object};
+    if (merged) {
+        bars.insert(bars.end(), remembered->second.others.begin(), remembered->second.others.end());
+    }
+    learn(bars, needShape);
+    const Facts& parent = known_[Key{object.service, object.path}];
     if (parent.childrenError != ax::success) {
         return parent.childrenError;
     }
     std::vector<AtspiObjectRef> listed = parent.children;
+    for (std::size_t i = 1; i < bars.size(); ++i) {
+        const Facts& other = known_[Key{bars[i].service, bars[i].path}];
+        if (other.childrenError == ax::success) {
+            listed.insert(listed.end(), other.children.begin(), other.children.end());
+        }
+    }
     const bool menuBar = parent.roleError == ax::success && parent.role == atspiRole::menuBar;
     const bool menu = parent.roleError == ax::success &&
                       (parent.role == atspiRole::menu || parent.role == atspiRole::popupMenu);
@@ -241,11 +257,8 @@ AXError AtspiTree::children(const AtspiObjectRef& object, std::vector<AtspiObjec
     }
     learn(unclear, needArea);
     out.clear();
-    if (menuBar) {
-        if (const auto remembered = menuBars_.find(object.service);
-            remembered != menuBars_.end() && remembered->second.bar.path == object.path) {
-            remembered->second.entries = listed;
-        }
+    if (menuBar && merged) {
+        remembered->second.entries = listed;
     }
     for (const auto& child : listed) {
         const Facts& childFacts = known_[Key{child.service, child.path}];
@@ -287,17 +300,32 @@ AXError AtspiTree::menuBar(const AtspiObjectRef& application, AtspiObjectRef& ou
     if (const auto known = menuBars_.find(application.service); known != menuBars_.end()) {
         // The bar's entries of last time are asked for along with the bar:
         // while they stay the same, a reading of the bar takes one round trip.
+        // The application's windows are asked too: a window that opens or
+        // closes may bring or take a menu bar, and the bars are searched for
+        // again.
         const RememberedBar& remembered = known->second;
-        std::vector<Wanted> wanted{{remembered.bar, needShape | needDetail | needArea}};
+        std::vector<Wanted> wanted{{remembered.bar, needShape | needDetail | needArea},
+                                   {application, needShape}};
+        for (const auto& other : remembered.others) {
+            wanted.push_back({other, needShape | needDetail | needArea});
+        }
         for (const auto& entry : remembered.entries) {
             wanted.push_back({entry, needShape | needDetail});
         }
         learn(wanted);
         const Facts& bar = known_[Key{remembered.bar.service, remembered.bar.path}];
+        const Facts& root = known_[Key{application.service, application.path}];
+        const bool sameWindows =
+            root.childrenError != ax::success || root.children == remembered.windows;
+        const bool othersShowing =
+            std::all_of(remembered.others.begin(), remembered.others.end(), [this](const auto& o) {
+                return onScreen(known_[Key{o.service, o.path}]);
+            });
         // One that stopped showing is searched for again at once; one that
         // never showed, now and then.
-        const bool keep =
-            onScreen(bar) || (!remembered.showing && now - remembered.chosenAt < hiddenBarRecheck);
+        const bool keep = sameWindows && othersShowing &&
+                          (onScreen(bar) ||
+                           (!remembered.showing && now - remembered.chosenAt < hiddenBarRecheck));
         if (bar.roleError == ax::success && bar.role == atspiRole::menuBar && keep) {
             known->second.showing = onScreen(bar);
             out = remembered.bar;
@@ -308,16 +336,17 @@ AXError AtspiTree::menuBar(const AtspiObjectRef& application, AtspiObjectRef& ou
             return ax::cannotComplete;
         }
     }
-    bool showing = false;
-    const AXError code = searchMenuBar(application, out, showing);
+    RememberedBar found;
+    const AXError code = searchMenuBar(application, found);
     if (code == ax::success) {
-        menuBars_[application.service] = RememberedBar{out, {}, showing, now};
+        found.chosenAt = now;
+        out = found.bar;
+        menuBars_[application.service] = std::move(found);
     }
     return code;
 }
 
-AXError AtspiTree::searchMenuBar(const AtspiObjectRef& application, AtspiObjectRef& out,
-                                 bool& showing) {
+AXError AtspiTree::searchMenuBar(const AtspiObjectRef& application, RememberedBar& out) {
     std::vector<AtspiObjectRef> found;
     std::vector<AtspiObjectRef> level{application};
     // The shallowest level that holds a menu bar holds the candidates, in
@@ -332,6 +361,9 @@ AXError AtspiTree::searchMenuBar(const AtspiObjectRef& application, AtspiObjectR
             const Facts& known = known_[Key{object.service, object.path}];
             if (depth == 0 && known.childrenError != ax::success) {
                 return known.childrenError;
+            }
+            if (depth == 0) {
+                out.windows = known.children;
             }
             const bool shaped = depth > 0 && known.roleError == ax::success;
             if (shaped && known.role == atspiRole::menuBar) {
@@ -358,19 +390,23 @@ AXError AtspiTree::searchMenuBar(const AtspiObjectRef& application, AtspiObjectR
     // The only one needs no comparing: whether it shows is learnt when it is
     // confirmed next time, in the same round trip.
     if (found.size() == 1) {
-        out = found.front();
-        showing = false;
+        out.bar = found.front();
+        out.showing = false;
         return ax::success;
     }
     learn(found, needDetail | needArea);
     if (stopped_.contains(application.service)) {
         return ax::cannotComplete;
     }
-    const auto visible = std::find_if(found.begin(), found.end(), [this](const auto& bar) {
+    std::vector<AtspiObjectRef> showing;
+    std::copy_if(found.begin(), found.end(), std::back_inserter(showing), [this](const auto& bar) {
         return onScreen(known_[Key{bar.service, bar.path}]);
     });
-    showing = visible != found.end();
-    out = showing ? *visible : found.front();
+    out.showing = !showing.empty();
+    out.bar = out.showing ? showing.front() : found.front();
+    if (showing.size() > 1) {
+        out.others.assign(showing.begin() + 1, showing.end());
+    }
     return ax::success;
 }
 

@@ -44,10 +44,12 @@ public:
     // The menu bar of an application: among the menu bars of all its
     // windows on the shallowest level that has one (searched breadth-first to
     // a bounded depth), the first that is showing and has a size, else the
-    // first found. The one found is
-    // remembered across walks and only confirmed the next time, while it is
-    // still a menu bar and still showing with a size; one that was chosen
-    // without showing is searched for again after a few seconds.
+    // first found. When several are showing, the one returned lists the
+    // menus of all of them (a hidden twin is never among them). What is
+    // found is remembered across walks and only confirmed the next time,
+    // while the bars are still menu bars showing with a size and the
+    // application's windows are the same; one that was chosen without
+    // showing is searched for again after a few seconds.
     AXError menuBar(const AtspiObjectRef& application, AtspiObjectRef& out);
 
 private:
@@ -85,8 +87,6 @@ private:
     // Showing, with a known area: a menu bar the user can see.
     [[nodiscard]] static bool onScreen(const Facts& facts);
     void forgetWhenIdle();
-    // `showing`: whether the bar found is on screen.
-    AXError searchMenuBar(const AtspiObjectRef& application, AtspiObjectRef& out, bool& showing);
 
     AtspiBus& bus_;
     std::map<Key, Facts> known_;
@@ -100,10 +100,15 @@ private:
     // listed.
     struct RememberedBar {
         AtspiObjectRef bar;
+        // The other bars on screen, whose menus the bar lists too.
+        std::vector<AtspiObjectRef> others;
         std::vector<AtspiObjectRef> entries;
+        // The application's windows when the bars were found.
+        std::vector<AtspiObjectRef> windows;
         bool showing = false; // on screen when chosen
         std::chrono::steady_clock::time_point chosenAt{};
     };
+    AXError searchMenuBar(const AtspiObjectRef& application, RememberedBar& out);
     std::map<QString, RememberedBar> menuBars_;
     std::uint64_t rememberedGeneration_ = 0;
 };
