@@ -208,6 +208,20 @@ TEST_F(RealMicrophone, TheProgramLiftsItsMuteOnceNoCallRecordsWhateverHappensMea
     EXPECT_TRUE(lifted(headset));
     Audio::setDefaultSource(Audio::source);
 
+    // The switch is turned off mid-call, from another process: the input
+    // stays muted while the call records, and is live once it ends.
+    call = Audio::record();
+    ASSERT_TRUE(joined());
+    settings.setValue("muteMicrophoneInOtherApps", false);
+    settings.sync();
+    EXPECT_TRUE(waitUntil([] { return command("status") == "noMeeting"; }));
+    EXPECT_TRUE(staysMuted(1000ms)) << "made live when the switch went off";
+    call.reset();
+    EXPECT_TRUE(lifted(Audio::source)) << "left muted when the switch went off";
+    settings.setValue("muteMicrophoneInOtherApps", true);
+    settings.sync();
+    ASSERT_TRUE(waitUntil([] { return command("status") == "noMeeting"; }));
+
     // Ended mid-call: the input stays muted while the call records, and the
     // next start lifts the mute once it ends.
     call = Audio::record();
