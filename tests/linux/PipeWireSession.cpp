@@ -57,7 +57,18 @@ bool PipeWireSession::restartPulseServer(std::string& whyNot) {
 bool PipeWireSession::startPulseServer(std::string& whyNot) {
     const std::string logs = DesktopSession::shared()->scratchDir() + "/";
     daemons_.push_back(startDaemon("pipewire-pulse"));
-    if (!waitUntil([] { return pactl({QStringLiteral("info")}).has_value(); })) {
+    // One that gives up at once (the last one's socket not yet released, on
+    // a busy machine) is started again.
+    const bool answers = waitUntil([this] {
+        if (pactl({QStringLiteral("info")}).has_value()) {
+            return true;
+        }
+        if (daemons_.back()->waitForExit(1ms)) {
+            daemons_.back() = startDaemon("pipewire-pulse");
+        }
+        return false;
+    });
+    if (!answers) {
         whyNot = "PipeWire's PulseAudio server did not answer (see " + logs + "*.log)";
         return false;
     }
