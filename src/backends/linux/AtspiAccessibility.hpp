@@ -22,10 +22,11 @@ struct AtspiObjectRef;
 // walking: the application of a process is the registry's child whose bus
 // connection belongs to that process; "AXMenuBar" is its shallowest menu bar
 // below its windows (the one on screen; with several on screen, one that
-// lists the menus of all, as an application has one menu bar elsewhere); "AXChildren" is
-// GetChildren without the menu items a toolkit keeps hidden; "AXRole" is GetRole named as by
-// axRoleName (menus and popup menus are "AXMenu", a menu bar's entries "AXMenuItem"); "AXTitle" is
-// the Name property without padding; "AXPress" is the element's first
+// lists the menus of all, as an application has one menu bar elsewhere);
+// "AXChildren" is GetChildren without the menu items a toolkit keeps hidden;
+// "AXRole" is GetRole named as by axRoleName (menus and popup menus are
+// "AXMenu", a menu bar's entries "AXMenuItem"); "AXTitle" is the Name
+// property without padding; "AXPress" is the element's first
 // action, refused for an item that is neither enabled nor sensitive. Failures
 // are the AXErrors of AtspiErrors. Every call waits at most the time-out.
 //
