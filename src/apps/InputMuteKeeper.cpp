@@ -88,39 +88,51 @@ bool InputMuteKeeper::lift(const std::string& input) {
     return true;
 }
 
-void InputMuteKeeper::followMovedCalls() {
-    auto now = microphone_.recordedInputs();
-    if (!now) {
-        return;
+void InputMuteKeeper::muteToo(const std::string& input, const std::string& why) {
+    out_.line("Microphone: " + why + ", muting " + input + " too");
+    if (microphone_.setMuted(input, true)) {
+        remember(input);
+    } else {
+        out_.line("Microphone: could not mute the input");
     }
-    const auto was = [this](const std::string& input) {
-        return std::find(recorded_.begin(), recorded_.end(), input) != recorded_.end();
-    };
+}
+
+void InputMuteKeeper::followMovedCalls(const std::string& defaultInput) {
     const auto names = book();
-    const bool bookedLeft = std::any_of(names.begin(), names.end(), [&](const std::string& input) {
-        return was(input) && std::find(now->begin(), now->end(), input) == now->end();
-    });
-    if (bookedLeft) {
-        for (const auto& input : *now) {
-            if (was(input) || names.contains(input) || microphone_.isMuted(input) != false) {
-                continue;
-            }
-            out_.line("Microphone: the call moved to " + input + ", muting it too");
-            if (microphone_.setMuted(input, true)) {
-                remember(input);
-            } else {
-                out_.line("Microphone: could not mute the input");
+    if (auto now = microphone_.recordedInputs()) {
+        const auto was = [this](const std::string& input) {
+            return std::find(recorded_.begin(), recorded_.end(), input) != recorded_.end();
+        };
+        const bool bookedLeft =
+            std::any_of(names.begin(), names.end(), [&](const std::string& input) {
+                return was(input) && std::find(now->begin(), now->end(), input) == now->end();
+            });
+        if (bookedLeft) {
+            for (const auto& input : *now) {
+                if (!was(input) && !names.contains(input) && microphone_.isMuted(input) == false) {
+                    muteToo(input, "the call moved to " + input);
+                }
             }
         }
+        recorded_ = std::move(*now);
     }
-    recorded_ = std::move(*now);
+    // Call apps that follow the default input move their stream over when it
+    // changes: the mute goes first.
+    if (!lastDefault_.empty() && !defaultInput.empty() && defaultInput != lastDefault_ &&
+        names.contains(lastDefault_) && microphone_.isMuted(defaultInput) == false) {
+        muteToo(defaultInput, "the default input changed during a muted call");
+    }
 }
 
 void InputMuteKeeper::settle() {
+    const std::string defaultInput = microphone_.defaultInput();
     if (!book().empty()) {
-        followMovedCalls();
+        followMovedCalls(defaultInput);
     } else {
         recorded_.clear();
+    }
+    if (!defaultInput.empty()) {
+        lastDefault_ = defaultInput;
     }
     std::optional<Duration> graceLeft;
     for (const auto& input : book()) {

@@ -50,10 +50,12 @@ public:
     [[nodiscard]] bool holds(const std::string& input) const;
 
     // Reads every input in the book and lifts the mutes whose input has
-    // been idle for the grace period. A call whose stream leaves an input in
-    // the book for another, live one (the audio server moves streams to a
-    // new default input) is followed: an input that starts being recorded in
-    // the reading in which one in the book stops is muted and booked too.
+    // been idle for the grace period. A call that leaves an input in the book
+    // for another, live one is followed, and that input muted and booked
+    // too: a new default input, when the old one is in the book (call apps
+    // that follow the default move their stream over), and an input that
+    // starts being recorded in the reading in which one in the book stops
+    // (the audio server may move a stream before it announces the default).
     void settle();
 
     // At start: mutes left by an earlier run are looked after from now on.
@@ -67,8 +69,10 @@ public:
 private:
     [[nodiscard]] std::set<std::string> book() const;
     void write(const std::set<std::string>& book);
-    // Mutes an input that starts being recorded as one in the book stops.
-    void followMovedCalls();
+    // Mutes the input a muted call moves to.
+    void followMovedCalls(const std::string& defaultInput);
+    // Mutes `input` as well, saying `why`, and books it.
+    void muteToo(const std::string& input, const std::string& why);
     // Lifts the mute of `input`; true when it is off the book.
     bool lift(const std::string& input);
     // Keeps the keeper's own reading going while the book holds a mute: in
@@ -85,8 +89,9 @@ private:
     // When each input in the book was first seen without a recording.
     std::map<std::string, Instant> idleSince_;
     std::set<std::string> failureSaid_;
-    // The inputs recorded at the last reading.
+    // The inputs recorded, and the default input, at the last reading.
     std::vector<std::string> recorded_;
+    std::string lastDefault_;
     TimerId timer_ = 0;
     Duration timerInterval_{0};
 };

@@ -14,21 +14,6 @@ MeetingStatus MicrophoneMeetingApp::fetchStatus() {
     if (input.empty()) {
         return MeetingStatus::notRunning;
     }
-    if (!lastInput_.empty() && input != lastInput_ && keeper_.holds(lastInput_)) {
-        // The default input changed during a call the program keeps muted.
-        // Call apps that follow the default move their stream over: the mute
-        // goes first, and is lifted like any other once nothing records.
-        if (microphone_.isMuted(input) == false) {
-            out_.line("Microphone: the default input changed during a muted call, muting " + input +
-                      " too");
-            if (microphone_.setMuted(input, true)) {
-                keeper_.remember(input);
-            } else {
-                out_.line("Microphone: could not mute the input");
-            }
-        }
-    }
-    lastInput_ = input;
     const auto recording = microphone_.isRecording(input);
     if (!recording) {
         return MeetingStatus::error;

@@ -18,9 +18,8 @@ namespace hg {
 // A mute this adapter puts on the input goes into `keeper`'s book and lasts
 // as long as the recording: once nothing records from that input any more it
 // is lifted, so that the next call, which may be one the program drives
-// through the app's own mute, does not start silent. When the default input
-// changes while the book holds the old one, the new one is muted too before
-// the call's stream can move over to it.
+// through the app's own mute, does not start silent. The keeper follows a
+// muted call to a new default input.
 class MicrophoneMeetingApp final : public MeetingApp {
 public:
     MicrophoneMeetingApp(Microphone& microphone, InputMuteKeeper& keeper, LineSink& out);
@@ -43,8 +42,6 @@ private:
     Microphone& microphone_;
     InputMuteKeeper& keeper_;
     LineSink& out_;
-    // The default input at the last reading.
-    std::string lastInput_;
 };
 
 } // namespace hg
